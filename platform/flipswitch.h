@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <stdint.h>
+
+#include "platform/object.h"
+#include "platform/string.h"
+
+namespace quillet {
+
+/// The state of a switch. Any 32-bit value may arrive, not only the named ones.
+enum FSSwitchState : int32_t {
+    FSSwitchStateOff = 0,
+    FSSwitchStateOn = 1,
+    FSSwitchStateIndeterminate = -1,
+};
+
+/// The switch framework's one panel, which shows every switch.
+class FSSwitchPanel : public Object {
+public:
+    static FSSwitchPanel sharedPanel();
+
+    /// Has the panel ask the switch `identifier` for its state, during this call, and draw it
+    /// anew. An identifier that no switch has is ignored.
+    void stateDidChangeForSwitchIdentifier(NSString identifier) const;
+
+private:
+    using Object::Object;
+};
+
+}  // namespace quillet

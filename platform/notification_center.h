@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <stdint.h>
+
+#include "platform/string.h"
+
+namespace quillet {
+
+// CoreFoundation's notification centre for notifications between processes, which is the
+// notification service of notify(3) seen from the run loop.
+
+using CFNotificationCenterRef = struct CFNotificationCenter*;
+using CFDictionaryRef = const struct CFDictionary*;
+using CFIndex = intptr_t;
+using Boolean = unsigned char;
+
+/// What becomes of notifications while the process is suspended. The centre between processes
+/// takes the value and makes nothing of it.
+using CFNotificationSuspensionBehavior = CFIndex;
+inline constexpr CFNotificationSuspensionBehavior CFNotificationSuspensionBehaviorCoalesce = 2;
+
+/// Called on the main thread, from its run loop, after a post of `name`. The arguments are the
+/// observer's own, valid during the call; `userInfo` is always null.
+using CFNotificationCallback = void (*)(CFNotificationCenterRef center, void* observer,
+                                        CFStringRef name, const void* object,
+                                        CFDictionaryRef userInfo);
+
+extern "C" {
+
+/// The one centre between processes. It lives as long as the process.
+CFNotificationCenterRef CFNotificationCenterGetDarwinNotifyCenter();
+
+/// Has `callback` called after every post of `name`, whoever posts it. `observer` is handed
+/// through and identifies the registration; it and `object`, which this centre ignores, may be
+/// null.
+void CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void* observer,
+                                     CFNotificationCallback callback, CFStringRef name,
+                                     const void* object,
+                                     CFNotificationSuspensionBehavior suspensionBehavior);
+
+/// Posts `name` to every process. This centre ignores `object`, `userInfo` and
+/// `deliverImmediately`.
+void CFNotificationCenterPostNotification(CFNotificationCenterRef center, CFStringRef name,
+                                          const void* object, CFDictionaryRef userInfo,
+                                          Boolean deliverImmediately);
+
+}  // extern "C"
+
+}  // namespace quillet

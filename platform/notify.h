@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <stdint.h>
+
+namespace quillet {
+
+// The system's notification service, after notify(3). Names are shared by every process of the
+// device; each has a count of posts and a state word that outlives its writer.
+
+/// Status codes, as notify(3) numbers them.
+inline constexpr uint32_t NOTIFY_STATUS_OK = 0;
+inline constexpr uint32_t NOTIFY_STATUS_INVALID_NAME = 1;
+inline constexpr uint32_t NOTIFY_STATUS_INVALID_TOKEN = 2;
+inline constexpr uint32_t NOTIFY_STATUS_FAILED = 1000000;
+
+/// A token that no registration ever gives.
+inline constexpr int NOTIFY_TOKEN_INVALID = -1;
+
+extern "C" {
+
+/// Takes a token of this process for `name`. On any status but NOTIFY_STATUS_OK, `*outToken` is
+/// left as it was. The token is the caller's until it gives it to notify_cancel.
+uint32_t notify_register_check(const char* name, int* outToken);
+
+/// Sets `*outCheck` to 1 if the token's name was posted since the token's last check, and at the
+/// first check of every token; to 0 otherwise.
+uint32_t notify_check(int token, int* outCheck);
+
+/// Reads the state word of the token's name; 0 when nobody ever set it. On any status but
+/// NOTIFY_STATUS_OK, `*outState` is left as it was.
+uint32_t notify_get_state(int token, uint64_t* outState);
+
+/// Sets the state word of the token's name. It does not post the name.
+uint32_t notify_set_state(int token, uint64_t state);
+
+/// Tells every observer of `name`, in every process, without waiting for any of them.
+uint32_t notify_post(const char* name);
+
+/// Gives the token back. A token that is not one yields NOTIFY_STATUS_INVALID_TOKEN.
+uint32_t notify_cancel(int token);
+
+}  // extern "C"
+
+}  // namespace quillet

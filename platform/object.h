@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+namespace quillet {
+
+/// The platform's flag: one byte, zero is NO and anything else YES.
+using BOOL = uint8_t;
+inline constexpr BOOL NO = 0;
+inline constexpr BOOL YES = 1;
+
+/// A counted reference to one of the platform's objects, or to none ("nil").
+///
+/// Copying retains the object, destruction releases it; a reference made by an `init…` function
+/// owns what was allocated, one made by any other function shares it. One machine word.
+///
+/// The nil rule: any message may be sent to nil. It then does nothing, reaches nobody, and answers
+/// NO, 0, 0.0 or nil. Every message declared in this folder keeps the rule, so callers need not
+/// test for absence.
+///
+/// Thread: the host's main thread, as for everything in this folder.
+class Object {
+public:
+    constexpr Object() noexcept = default;
+    Object(const Object& other) noexcept;
+    Object& operator=(const Object& other) noexcept;
+    ~Object();
+
+    /// False for nil.
+    explicit operator bool() const noexcept { return instance_ != nullptr; }
+
+    /// YES when the object, or the class if this refers to one, answers `selector` (for example
+    /// "activate:").
+    BOOL respondsToSelector(const char* selector) const;
+
+    /// The object's reading as a flag. A number is YES when it is not zero. A string is YES when,
+    /// after leading white space, an optional sign and leading zeros, it begins with Y, y, T, t or
+    /// a digit 1 to 9. Objects of other kinds do not answer: the platform ends the process.
+    BOOL boolValue() const;
+
+    /// The object's reading as a single-precision number: a number's nearest value, or the decimal
+    /// number that a string begins with (0.0 when it begins with none). Objects of other kinds do
+    /// not answer: the platform ends the process.
+    float floatValue() const;
+
+    /// The platform's own pointer, still owned by this reference. Null for nil.
+    void* instance() const noexcept { return instance_; }
+
+protected:
+    /// Takes over one count of `instance`, which may be null.
+    explicit Object(void* instance) noexcept : instance_{instance} {}
+
+private:
+    void* instance_ = nullptr;
+};
+
+/// A class object of the host or of a loaded bundle.
+class Class : public Object {
+public:
+    constexpr Class() noexcept = default;
+    /// Shares `instance`, the platform's class object. Class objects live as long as the process.
+    explicit Class(void* instance) noexcept;
+};
+
+/// Base of the bundle's own classes: storage from the platform, set up in a constructor.
+class NSObject {
+public:
+    /// Storage of `size` bytes for one object, all zero. It is never null: the platform ends a
+    /// process that has no memory left.
+    static void* operator new(size_t size);
+    static void operator delete(void* storage) noexcept;
+
+protected:
+    /// The base class's `init`.
+    NSObject();
+    ~NSObject() = default;
+};
+
+}  // namespace quillet

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "platform/object.h"
+
+namespace quillet {
+
+/// A span of time in seconds.
+using NSTimeInterval = double;
+
+/// A point in time.
+class NSDate : public Object {
+public:
+    /// The time `seconds` from now; negative values lie in the past.
+    static NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds);
+
+private:
+    using Object::Object;
+};
+
+/// The event loop of a thread.
+class NSRunLoop : public Object {
+public:
+    /// The calling thread's loop.
+    static NSRunLoop currentRunLoop();
+
+    /// Blocks until `limit`, and meanwhile runs whatever falls due on this thread: timers,
+    /// callbacks of notification observers, the host's own input. What it runs may call back into
+    /// the bundle.
+    void runUntilDate(NSDate limit) const;
+
+private:
+    using Object::Object;
+};
+
+/// The calling thread.
+class NSThread {
+public:
+    /// Blocks the thread for `seconds`, at least. Nothing runs on it meanwhile.
+    static void sleepForTimeInterval(NSTimeInterval seconds);
+};
+
+}  // namespace quillet
