@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#include "platform/audio_toolbox.h"
+
+#include "platform/standin/device.h"
+
+namespace quillet {
+
+void AudioServicesPlaySystemSound(SystemSoundID sound) {
+    standin::Device::current().trace.call("", "AudioServicesPlaySystemSound", sound);
+}
+
+}  // namespace quillet

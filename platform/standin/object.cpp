@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "platform/object.h"
+
+#include <errno.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "platform/standin/device.h"
+#include "platform/standin/instance.h"
+
+namespace quillet {
+
+using standin::Device;
+using standin::Instance;
+using standin::instanceOf;
+using standin::send;
+
+namespace {
+
+/// Ends the process as an exception that nobody catches does.
+[[noreturn]] void unrecognizedSelector(const Instance& receiver, const char* selector) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "%s: %s: unrecognized selector \"%s\"\n", program_invocation_short_name,
+                 receiver.description().c_str(), selector);
+    std::_Exit(EXIT_FAILURE);
+}
+
+/// Sends `selector` to an object that answers with a `reading` of its value, if it has one.
+template <class Answer, class Reading>
+Answer read(const Object& receiver, const char* selector, Reading reading) {
+    return send(receiver, [&](const Instance& instance) -> Answer {
+        const standin::Value* const value = instance.propertyListValue();
+        const auto answer = value != nullptr ? reading(*value) : std::nullopt;
+        if (!answer) unrecognizedSelector(instance, selector);
+        Device::current().trace.answer(*answer, instance.description(), selector);
+        return *answer;
+    });
+}
+
+}  // namespace
+
+Object::Object(const Object& other) noexcept : instance_{other.instance_} {
+    send(*this, [](Instance& instance) { instance.retain(); });
+}
+
+Object& Object::operator=(const Object& other) noexcept {
+    send(other, [](Instance& instance) { instance.retain(); });
+    send(*this, [](Instance& instance) { instance.release(); });
+    instance_ = other.instance_;
+    return *this;
+}
+
+Object::~Object() {
+    send(*this, [](Instance& instance) { instance.release(); });
+}
+
+BOOL Object::respondsToSelector(const char* selector) const {
+    return send(*this, [&](const Instance& instance) -> BOOL {
+        const bool answer = instance.respondsToSelector(selector);
+        Device::current().trace.answer(answer, instance.description(),
+                                       "respondsToSelector:", selector);
+        return answer;
+    });
+}
+
+BOOL Object::boolValue() const { return read<BOOL>(*this, "boolValue", standin::boolValue); }
+
+float Object::floatValue() const { return read<float>(*this, "floatValue", standin::floatValue); }
+
+Class::Class(void* instance) noexcept : Object{instance} {
+    send(*this, [](Instance& cls) { cls.retain(); });
+}
+
+NSString::NSString(const char* utf8) : NSString{standin::makeString(utf8)} {}
+
+NSString::NSString(CFStringRef string) noexcept
+    : Object{const_cast<void*>(static_cast<const void*>(string))} {
+    send(*this, [](Instance& instance) { instance.retain(); });
+}
+
+void* NSObject::operator new(size_t size) { return Device::current().allocate(size); }
+
+void NSObject::operator delete(void* /*storage*/) noexcept {}
+
+NSObject::NSObject() { Device::current().trace.call("<NSObject>", "init"); }
+
+}  // namespace quillet

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "platform/object.h"
+
+namespace quillet::standin {
+
+/// An argument or a result: null, flag, number or text. Objects without a text or a number stand
+/// as a description such as "<NSMutableDictionary: 4 entries>".
+using TraceValue =
+    std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string>;
+
+/// One platform operation that the bundle called.
+struct TraceRecord {
+    /// Seconds since the device's process began.
+    double time = 0;
+    /// The class that a message went to ("SBMediaController"), or its instance
+    /// ("<SBMediaController>"). Empty for C functions.
+    std::string receiver;
+    std::string operation;
+    /// In order. An out argument stands as what the call left in it, null if it left nothing.
+    std::vector<TraceValue> arguments;
+    std::optional<TraceValue> result;
+};
+
+/// `record` as a JSON object in one line, without the line's end.
+std::string toJSON(const TraceRecord& record);
+
+TraceValue toTrace(const Object& object);
+TraceValue toTrace(std::string_view text);
+
+template <class Number>
+requires std::is_arithmetic_v<Number> TraceValue toTrace(Number number) {
+    if constexpr (std::is_same_v<Number, bool> || std::is_floating_point_v<Number>) {
+        return number;
+    } else if constexpr (std::is_signed_v<Number>) {
+        return std::int64_t{number};
+    } else {
+        return std::uint64_t{number};
+    }
+}
+
+/// The object that a plain pointer refers to; null for a null pointer.
+TraceValue objectTrace(const void* object);
+
+/// A pointer to who knows what: null, or "<pointer>".
+TraceValue pointerTrace(const void* pointer);
+
+inline TraceValue toTrace(const char* text) { return toTrace(std::string_view{text}); }
+inline TraceValue toTrace(std::nullptr_t) { return {}; }
+
+template <std::same_as<TraceValue> Value>
+TraceValue toTrace(Value value) {
+    return value;
+}
+
+/// Hands every operation to a sink as it is called, or does nothing while there is none.
+class Trace {
+public:
+    using Sink = std::function<void(TraceRecord)>;
+
+    void setSink(Sink sink) { sink_ = std::move(sink); }
+
+    /// Records an operation that has no result.
+    template <class... Arguments>
+    void call(std::string_view receiver, std::string_view operation,
+              const Arguments&... arguments) {
+        if (sink_)
+            add({0, std::string{receiver}, std::string{operation}, {toTrace(arguments)...}, {}});
+    }
+
+    /// Records an operation and its result.
+    template <class Result, class... Arguments>
+    void answer(const Result& result, std::string_view receiver, std::string_view operation,
+                const Arguments&... arguments) {
+        if (sink_) {
+            add({0,
+                 std::string{receiver},
+                 std::string{operation},
+                 {toTrace(arguments)...},
+                 toTrace(result)});
+        }
+    }
+
+private:
+    void add(TraceRecord record);
+
+    Sink sink_;
+};
+
+}  // namespace quillet::standin
