@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/standin/host.h"
+
+namespace quillet {
+
+enum class Command { state, flip, apply, watch, help, version };
+
+/// What a command line asks for.
+struct Options {
+    Command command = Command::help;
+    /// For flip: nothing is the tap. For apply it is always there.
+    std::optional<std::int32_t> value;
+    std::filesystem::path root;
+    std::filesystem::path bundle;
+    std::string machine = "iPhone6,1";
+    standin::Host host;
+    bool traces = false;
+    /// Empty for standard error.
+    std::filesystem::path traceFile;
+    bool json = false;
+};
+
+/// A command line that makes no sense, in words for the user.
+class UsageError : public std::runtime_error {
+public:
+    using runtime_error::runtime_error;
+};
+
+/// Reads a command line. Options may stand anywhere. Throws UsageError.
+Options parseOptions(int argc, char** argv);
+
+}  // namespace quillet

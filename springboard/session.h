@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <fstream>
+#include <string>
+
+#include "platform/standin/data_source.h"
+#include "platform/standin/device.h"
+#include "springboard/options.h"
+
+namespace quillet {
+
+/// One run of the host program: a device, with the bundle loaded into it.
+class Session {
+public:
+    /// Throws std::runtime_error when the root, the bundle or the trace file cannot be used.
+    explicit Session(const Options& options);
+
+    void printState();
+    /// Sends the switch `state`, or the tap when there is none, and prints the state afterwards.
+    void apply(std::optional<std::int32_t> state);
+    /// Prints the state at each refresh, until the process is interrupted.
+    [[noreturn]] void watch();
+
+private:
+    void startTrace(const std::filesystem::path& file);
+    void print(FSSwitchState state) const;
+    NSString identifier() const { return standin::makeString(identifier_); }
+
+    bool json_;
+    std::ofstream traceFile_;
+    standin::Device device_;
+    std::string identifier_;
+    standin::FSSwitchDataSource* switch_ = nullptr;
+};
+
+}  // namespace quillet
