@@ -17,7 +17,7 @@ public:
     BOOL getVolume(float* volume, NSString forCategory) const;
 
     /// Sets the volume of `forCategory`, brought into the range. NO when there is no such
-    /// category.
+    /// category, or when it cannot be set.
     BOOL setVolumeTo(float volume, NSString forCategory) const;
 
 private:

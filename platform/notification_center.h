@@ -31,9 +31,9 @@ extern "C" {
 /// The one centre between processes. It lives as long as the process.
 CFNotificationCenterRef CFNotificationCenterGetDarwinNotifyCenter();
 
-/// Has `callback` called after every post of `name`, whoever posts it. `observer` is handed
-/// through and identifies the registration; it and `object`, which this centre ignores, may be
-/// null.
+/// Has `callback` called after posts of `name`, whoever posts it; posts between two turns of the
+/// run loop may come as one call. `observer` is handed through and identifies the registration; it
+/// and `object`, which this centre ignores, may be null.
 void CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void* observer,
                                      CFNotificationCallback callback, CFStringRef name,
                                      const void* object,

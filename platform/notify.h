@@ -34,7 +34,8 @@ uint32_t notify_get_state(int token, uint64_t* outState);
 /// Sets the state word of the token's name. It does not post the name.
 uint32_t notify_set_state(int token, uint64_t state);
 
-/// Tells every observer of `name`, in every process, without waiting for any of them.
+/// Tells every observer of `name`, in every process, without waiting for any of them. A name that
+/// nobody ever registered is posted to nobody.
 uint32_t notify_post(const char* name);
 
 /// Gives the token back. A token that is not one yields NOTIFY_STATUS_INVALID_TOKEN.

@@ -25,7 +25,7 @@ void PrefsLoader::loadPreferences() {
         vibrateWhenOn_ = whenOn.boolValue();
     } else {
         // Meant: without "vibrate-when-on" it is vibrateWhenOff that becomes YES, whatever the
-        // file says of it, and vibrateWhenOn that is kept; users' files rely on it.
+        // file says of it, and vibrateWhenOn that is kept.
         vibrateWhenOff_ = YES;
     }
 }

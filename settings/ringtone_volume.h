@@ -5,8 +5,8 @@
 
 namespace quillet {
 
-// The volume of the audio category "Ringtone", which iPods lose track of when they are muted: it is
-// kept in the bundle's preferences file meanwhile. The caller runs on the host's main thread.
+// The volume of the audio category "Ringtone", which is zeroed while an iPod is muted and kept in
+// the bundle's preferences file meanwhile. The caller runs on the host's main thread.
 
 extern "C" {
 

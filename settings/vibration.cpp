@@ -22,7 +22,7 @@ constexpr char silentVibrateKey[] = "silent-vibrate";
 constexpr char graphicsServicesPath[] =
     "/System/Library/PrivateFrameworks/GraphicsServices.framework/GraphicsServices";
 
-/// Time in which SpringBoard takes note of the announcements.
+/// Given to SpringBoard after the announcements.
 constexpr NSTimeInterval settleInterval = 0.5;
 
 BOOL setting(const NSMutableDictionary& settings, const char* key) {

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <stdexcept>
 
+#include "springboard/host_process.h"
 #include "springboard/options.h"
-#include "springboard/session.h"
 
 namespace quillet {
 
@@ -42,20 +46,30 @@ Exit status: 0; 1 when the device or the bundle cannot be used; 2 for a bad comm
 )";
 
 void run(const Options& options) {
-    Session session{options};
+    HostProcess process{options};
     switch (options.command) {
         case Command::state:
-            return session.printState();
+            return process.printState();
         case Command::watch:
-            session.watch();
+            return process.watch();
         default:
-            return session.apply(options.value);
+            return process.apply(options.value);
     }
 }
 
 void printText(const char* text) {
     std::cout << text << std::flush;
     if (!std::cout) throw std::runtime_error("standard output cannot be written");
+}
+
+/// Puts something unwritable in place of the standard streams that are closed. A file of the device
+/// would otherwise take their place when it is opened, and what is printed end up in it.
+void holdStandardStreams() {
+    int file = -1;
+    do {
+        file = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    } while (file >= 0 && file <= STDERR_FILENO);
+    close(file);
 }
 
 int runProgram(int argc, char** argv) {
@@ -82,4 +96,7 @@ int runProgram(int argc, char** argv) {
 
 }  // namespace quillet
 
-int main(int argc, char** argv) { return quillet::runProgram(argc, argv); }
+int main(int argc, char** argv) {
+    quillet::holdStandardStreams();
+    return quillet::runProgram(argc, argv);
+}

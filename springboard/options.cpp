@@ -81,14 +81,20 @@ void apply(Options& options, int letter, const char* argument) {
     }
 }
 
-/// What getopt made of a word that is no option of ours, or lacks its argument.
-UsageError badOption(int letter, const char* word) {
-    return UsageError(letter == ':' ? "option " + quoted(word) + " needs an argument"
-                                    : "no such option: " + quoted(word));
+/// What getopt made of a word that is no option of ours, or lacks its argument or has one too many.
+UsageError badOption(int letter, std::string_view word) {
+    if (letter == ':') return UsageError("option " + quoted(word) + " needs an argument");
+    // getopt sets optopt for an option that it knows.
+    if (optopt != 0 && word.starts_with("--")) {
+        return UsageError("option takes no argument: " + quoted(word));
+    }
+    return UsageError("no such option: " + quoted(word));
 }
 
-bool isNegativeNumber(std::string_view word) {
-    return word.size() > 1 && word[0] == '-' && word[1] >= '0' && word[1] <= '9';
+/// Whether a word before "--" is none of the options: negative numbers are values for apply.
+bool isOperand(std::string_view word) {
+    const bool isNumber = word.size() > 1 && word[1] >= '0' && word[1] <= '9';
+    return !word.starts_with('-') || word == "-" || isNumber;
 }
 
 /// Splits the command line into options, which it applies, and other words. The answer is the
@@ -96,18 +102,20 @@ bool isNegativeNumber(std::string_view word) {
 int parseWords(Options& options, int argc, char** argv, std::vector<std::string_view>& words) {
     opterr = 0;
     optind = 1;
+    bool optionsHaveEnded = false;
     while (optind < argc) {
-        const int current = optind;
-        // Negative numbers are values for apply, not options.
-        const int letter = isNegativeNumber(argv[current])
-                               ? -1
-                               : getopt_long(argc, argv, "+:", longOptions.data(), nullptr);
-        if (letter == Letter::help || letter == Letter::version) return letter;
-        if (letter == '?' || letter == ':') throw badOption(letter, argv[current]);
-        if (letter != -1) {
+        const std::string_view word = argv[optind];
+        if (!optionsHaveEnded && word == "--") {
+            optionsHaveEnded = true;
+            ++optind;
+        } else if (optionsHaveEnded || isOperand(word)) {
+            words.push_back(word);
+            ++optind;
+        } else {
+            const int letter = getopt_long(argc, argv, "+:", longOptions.data(), nullptr);
+            if (letter == Letter::help || letter == Letter::version) return letter;
+            if (letter == '?' || letter == ':') throw badOption(letter, word);
             apply(options, letter, optarg);
-        } else if (optind < argc) {
-            words.emplace_back(argv[optind++]);
         }
     }
     return 0;

@@ -17,7 +17,7 @@ namespace {
 
 constexpr char ringerStateName[] = "com.apple.springboard.ringerstate";
 
-/// Time in which an iPod takes note of the unmuting before its volume is set.
+/// Between turning an iPod on and setting its volume.
 constexpr NSTimeInterval volumePause = 0.25;
 
 /// Tells the panel only that something changed; the panel comes back for the state.

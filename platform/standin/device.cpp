@@ -12,10 +12,10 @@ Device* currentDevice = nullptr;
 }  // namespace
 
 Device::Device(DeviceOptions options)
-    : root{std::move(options.root)},
+    : clock{options.clock},
+      root{options.root},
       machine{std::move(options.machine)},
       host{options.host},
-      clock{options.clock},
       hardware{below(DeviceRoot::hardwarePath)},
       notifications{below(DeviceRoot::notificationsPath)},
       tokens{notifications},

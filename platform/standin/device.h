@@ -27,7 +27,7 @@ struct DeviceOptions {
     std::filesystem::path root;
     /// The model, as uname tells it.
     std::string machine = "iPhone6,1";
-    Host host;
+    Host host = {};
     Clock::Kind clock = Clock::Kind::real;
     OpenModule openModule = openSharedObject;
 };
@@ -50,10 +50,11 @@ public:
     /// `size` bytes, all zero, which the process keeps until it ends.
     void* allocate(std::size_t size);
 
+    /// First, as the process begins here.
+    Clock clock;
     DeviceRoot root;
     std::string machine;
     Host host;
-    Clock clock;
     Trace trace;
     Hardware hardware;
     NotificationTable notifications;

@@ -3,6 +3,8 @@
 
 #include <stdlib.h>
 
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -55,9 +57,7 @@ void fill(const fs::path& root) {
 void make(const fs::path& path) {
     fs::create_directories(path.parent_path());
     std::string name = path.string() + ".XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), name);
-    }
+    if (mkdtemp(name.data()) == nullptr) fail(path, std::strerror(errno));
     fs::permissions(name, fs::perms{0755});
     std::error_code error;
     try {
@@ -67,14 +67,17 @@ void make(const fs::path& path) {
         fs::remove_all(name);
         throw;
     }
-    // Another process was faster: its device is as good.
     if (error) fs::remove_all(name);
+    // Another process may have been faster: its device is as good.
+    const bool isThere = error == std::errc::directory_not_empty || error == std::errc::file_exists;
+    if (error && !isThere) fail(path, error.message());
 }
 
 }  // namespace
 
-DeviceRoot::DeviceRoot(const fs::path& path) : path_{fs::absolute(path)} {
+DeviceRoot::DeviceRoot(const fs::path& path) : path_{fs::weakly_canonical(fs::absolute(path))} {
     if (!path_.has_filename()) path_ = path_.parent_path();
+    if (fs::exists(path_) && !fs::is_directory(path_)) fail(path_, "not a folder");
     if (!fs::exists(path_) || fs::is_empty(path_)) make(path_);
     if (!fs::is_regular_file(below(notificationsPath))) {
         fail(path_, "not a device root (and not empty, so not made into one)");
@@ -82,7 +85,8 @@ DeviceRoot::DeviceRoot(const fs::path& path) : path_{fs::absolute(path)} {
 }
 
 fs::path DeviceRoot::below(std::string_view devicePath) const {
-    return path_ / fs::path{devicePath}.relative_path();
+    // Normal first: as on a device, nothing lies above "/".
+    return path_ / (fs::path{"/"} / devicePath).lexically_normal().relative_path();
 }
 
 }  // namespace quillet::standin

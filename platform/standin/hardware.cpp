@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/hardware.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <utility>
 
@@ -13,6 +18,26 @@ namespace {
 
 constexpr char mutedKey[] = "ringer-muted";
 constexpr char volumesKey[] = "volumes";
+
+/// Not a number counts as silence.
+float inRange(float volume) { return std::isnan(volume) ? 0.0F : std::clamp(volume, 0.0F, 1.0F); }
+
+/// Keeps other processes from changing the file at `path` while this one does. The folder is what
+/// is locked: the file itself is replaced. The kernel gives the lock back when its holder dies.
+class Lock {
+public:
+    explicit Lock(const std::filesystem::path& path)
+        : folder_{open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)} {
+        while (flock(folder_, LOCK_EX) != 0 && errno == EINTR) {
+        }
+    }
+    ~Lock() { close(folder_); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+private:
+    int folder_;
+};
 
 Dictionary volumesOf(const Dictionary& state) {
     const Value* const volumes = state.find(volumesKey);
@@ -26,11 +51,11 @@ bool Hardware::create(const std::filesystem::path& path) {
     return Hardware{path}.write({{mutedKey, false}, {volumesKey, Dictionary{{"Ringtone", 0.75}}}});
 }
 
-Dictionary Hardware::read() const {
+std::optional<Dictionary> Hardware::read() const {
     const auto bytes = readFile(path_);
     auto value = bytes ? readPropertyList(*bytes) : std::nullopt;
     auto* const state = value ? std::get_if<Dictionary>(&*value) : nullptr;
-    return state ? std::move(*state) : Dictionary{};
+    return state ? std::optional{std::move(*state)} : std::nullopt;
 }
 
 bool Hardware::write(Dictionary state) const {
@@ -38,30 +63,34 @@ bool Hardware::write(Dictionary state) const {
 }
 
 std::optional<float> Hardware::volume(std::string_view category) const {
-    const Dictionary volumes = volumesOf(read());
-    const Value* const volume = volumes.find(category);
-    return volume ? floatValue(*volume) : std::nullopt;
+    const Dictionary volumes = volumesOf(read().value_or(Dictionary{}));
+    const Value* const found = volumes.find(category);
+    const auto volume = found ? floatValue(*found) : std::nullopt;
+    return volume ? std::optional{inRange(*volume)} : std::nullopt;
 }
 
 bool Hardware::setVolume(std::string_view category, float volume) {
-    Dictionary state = read();
+    const Lock lock{path_};
+    Dictionary state = read().value_or(Dictionary{});
     Dictionary volumes = volumesOf(state);
     if (volumes.find(category) == nullptr) return false;
-    volumes.set(category, std::isnan(volume) ? 0.0 : double{std::clamp(volume, 0.0F, 1.0F)});
+    volumes.set(category, double{inRange(volume)});
     state.set(volumesKey, std::move(volumes));
     return write(std::move(state));
 }
 
 bool Hardware::isRingerMuted() const {
-    const Dictionary state = read();
+    const Dictionary state = read().value_or(Dictionary{});
     const Value* const muted = state.find(mutedKey);
     return muted && boolValue(*muted).value_or(false);
 }
 
 void Hardware::setRingerMuted(bool muted) {
-    Dictionary state = read();
-    state.set(mutedKey, muted);
-    write(std::move(state));
+    const Lock lock{path_};
+    auto state = read();
+    if (!state) return;
+    state->set(mutedKey, muted);
+    write(std::move(*state));
 }
 
 }  // namespace quillet::standin

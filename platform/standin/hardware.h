@@ -25,10 +25,12 @@ public:
     bool setVolume(std::string_view category, float volume);
 
     bool isRingerMuted() const;
+    /// A file that cannot be read is left as it is.
     void setRingerMuted(bool muted);
 
 private:
-    Dictionary read() const;
+    /// Nothing when the file cannot be read.
+    std::optional<Dictionary> read() const;
     bool write(Dictionary state) const;
 
     std::filesystem::path path_;

@@ -100,6 +100,7 @@ NotificationTable::Entry* NotificationTable::find(std::string_view name) {
 }
 
 NotificationTable::Entry* NotificationTable::findOrAdd(std::string_view name) {
+    if (name.size() > maxNameLength) return nullptr;
     if (Entry* const entry = find(name)) return entry;
     while (flock(file_, LOCK_EX) != 0) {
         if (errno != EINTR) return nullptr;

@@ -44,7 +44,8 @@ public:
     /// The entry of `name`, which stays where it is as long as the table; null when there is none.
     Entry* find(std::string_view name);
 
-    /// The entry of `name`, added if there is none; null when the table is full.
+    /// The entry of `name`, added if there is none; null when the table is full or the
+    /// name too long.
     Entry* findOrAdd(std::string_view name);
 
     /// Counts a post and wakes every process that waits. With nobody waiting it is no system call.

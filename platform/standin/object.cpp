@@ -13,7 +13,6 @@ namespace quillet {
 
 using standin::Device;
 using standin::Instance;
-using standin::instanceOf;
 using standin::send;
 
 namespace {

@@ -24,10 +24,11 @@ void RunLoop::turn() {
 
 void RunLoop::runUntil(double limit) {
     turn();
-    while (clock_.now() < limit) {
+    while (!isStopped_ && clock_.now() < limit) {
         waitUntil(timers_.empty() ? limit : std::min(limit, timers_.begin()->first));
         turn();
     }
+    isStopped_ = false;
 }
 
 void RunLoop::waitUntil(double time) {

@@ -28,6 +28,9 @@ public:
     /// Turns until `limit`, waiting in between for the next timer or post.
     void runUntil(double limit);
 
+    /// Has the innermost runUntil that is under way return when its turn is over.
+    void stop() { isStopped_ = true; }
+
 private:
     void waitUntil(double time);
 
@@ -35,6 +38,7 @@ private:
     NotificationTable& table_;
     NotificationCenter& center_;
     std::multimap<double, Work> timers_;
+    bool isStopped_ = false;
 };
 
 }  // namespace quillet::standin

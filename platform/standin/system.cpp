@@ -5,6 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <string_view>
+#include <system_error>
 
 #include "platform/graphics_services.h"
 #include "platform/standin/device.h"
@@ -50,7 +51,8 @@ char* __wrap_strstr(const char* text, const char* part) {
 
 void* __wrap_dlopen(const char* path, int mode) {
     Device& device = Device::current();
-    const bool opened = path == libraryPath && std::filesystem::exists(device.below(path));
+    std::error_code error;
+    const bool opened = path == libraryPath && std::filesystem::exists(device.below(path), error);
     device.trace.answer(opened, "", "dlopen", path, mode);
     if (!opened) return nullptr;
     ++device.openLibraries;

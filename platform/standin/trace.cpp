@@ -8,13 +8,16 @@
 
 #include "platform/standin/device.h"
 #include "platform/standin/instance.h"
+#include "platform/standin/utf8.h"
 
 namespace quillet::standin {
 
 namespace {
 
+/// JSON is UTF-8; a text that is not keeps only its ASCII.
 void appendString(std::string& json, std::string_view text) {
     static constexpr char digits[] = "0123456789abcdef";
+    const bool isText = isUTF8(text);
     json += '"';
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
@@ -22,6 +25,8 @@ void appendString(std::string& json, std::string_view text) {
             json += {'\\', c};
         } else if (byte < 0x20) {
             json += {'\\', 'u', '0', '0', digits[byte >> 4], digits[byte & 0xF]};
+        } else if (byte >= 0x80 && !isText) {
+            json += "\\ufffd";
         } else {
             json += c;
         }

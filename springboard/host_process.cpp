@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "springboard/session.h"
+#include "springboard/host_process.h"
 
 #include <iostream>
 #include <limits>
@@ -9,7 +9,7 @@ namespace quillet {
 
 using standin::TraceRecord;
 
-Session::Session(const Options& options)
+HostProcess::HostProcess(const Options& options)
     : json_{options.json},
       device_{{.root = options.root, .machine = options.machine, .host = options.host}} {
     if (options.traces) startTrace(options.traceFile);
@@ -17,29 +17,37 @@ Session::Session(const Options& options)
     switch_ = device_.framework.dataSource(identifier_);
 }
 
-void Session::startTrace(const std::filesystem::path& file) {
+void HostProcess::startTrace(const std::filesystem::path& file) {
     if (!file.empty()) {
         traceFile_.open(file);
         if (!traceFile_) throw std::runtime_error(file.string() + ": cannot be written");
     }
+    trace_ = file.empty() ? &std::cerr : &traceFile_;
     // Each line at once: a reader may follow the trace while the switch runs.
-    device_.trace.setSink([&lines = file.empty() ? std::cerr : traceFile_](
-                              const TraceRecord& record) { lines << toJSON(record) << std::endl; });
+    device_.trace.setSink(
+        [this](const TraceRecord& record) { *trace_ << toJSON(record) << std::endl; });
 }
 
-void Session::print(FSSwitchState state) const {
+void HostProcess::print(FSSwitchState state) const {
     const char* const word = state == FSSwitchStateOn ? "on" : "off";
     if (json_) {
         std::cout << R"({"state": ")" << word << R"("})" << std::endl;
     } else {
         std::cout << word << std::endl;
     }
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
 }
 
-void Session::printState() { print(switch_->stateForSwitchIdentifier(identifier())); }
+void HostProcess::checkOutput() const {
+    if (!std::cout) throw std::runtime_error("standard output cannot be written");
+    if (trace_ != nullptr && !*trace_) throw std::runtime_error("the trace cannot be written");
+}
 
-void Session::apply(std::optional<std::int32_t> state) {
+void HostProcess::printState() {
+    print(switch_->stateForSwitchIdentifier(identifier()));
+    checkOutput();
+}
+
+void HostProcess::apply(std::optional<std::int32_t> state) {
     if (state) {
         switch_->applyState(static_cast<FSSwitchState>(*state), identifier());
     } else {
@@ -50,10 +58,14 @@ void Session::apply(std::optional<std::int32_t> state) {
     printState();
 }
 
-void Session::watch() {
-    device_.framework.setRedraw(
-        [this](std::string_view /*identifier*/, FSSwitchState state) { print(state); });
-    for (;;) device_.runLoop.runUntil(std::numeric_limits<double>::infinity());
+void HostProcess::watch() {
+    // No exception from here: the bundle's frames, which know none, are between us and watch().
+    device_.framework.setRedraw([this](std::string_view /*identifier*/, FSSwitchState state) {
+        print(state);
+        if (!std::cout || !traceFile_) device_.runLoop.stop();
+    });
+    device_.runLoop.runUntil(std::numeric_limits<double>::infinity());
+    checkOutput();
 }
 
 }  // namespace quillet

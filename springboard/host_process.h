@@ -12,24 +12,28 @@
 namespace quillet {
 
 /// One run of the host program: a device, with the bundle loaded into it.
-class Session {
+class HostProcess {
 public:
     /// Throws std::runtime_error when the root, the bundle or the trace file cannot be used.
-    explicit Session(const Options& options);
+    explicit HostProcess(const Options& options);
 
     void printState();
     /// Sends the switch `state`, or the tap when there is none, and prints the state afterwards.
     void apply(std::optional<std::int32_t> state);
     /// Prints the state at each refresh, until the process is interrupted.
-    [[noreturn]] void watch();
+    void watch();
 
 private:
     void startTrace(const std::filesystem::path& file);
     void print(FSSwitchState state) const;
+    /// Throws std::runtime_error when something that was printed or traced could not be written.
+    void checkOutput() const;
     NSString identifier() const { return standin::makeString(identifier_); }
 
     bool json_;
     std::ofstream traceFile_;
+    /// Null when nothing is traced.
+    std::ostream* trace_ = nullptr;
     standin::Device device_;
     std::string identifier_;
     standin::FSSwitchDataSource* switch_ = nullptr;
