@@ -1,0 +1,425 @@
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "platform/standin/instance.h"
+#include "tests/support/phone.h"
+
+namespace quillet::test {
+namespace {
+
+using standin::Dictionary;
+using standin::Host;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+/// The steps that the world outside the bundle sees.
+const std::vector<std::string> outward = {
+    "notify_register_check",
+    "notify_set_state",
+    "notify_post",
+    "notify_cancel",
+    "activate:",
+    "setRingerMuted:",
+    "runUntilDate:",
+    "AudioServicesPlaySystemSound",
+    "sleepForTimeInterval:",
+    "getVolume:forCategory:",
+    "setVolumeTo:forCategory:",
+    "GSSendAppPreferencesChanged",
+};
+
+const std::string taken = R"(notify_register_check("com.apple.springboard.ringerstate", t1) = 0)";
+const std::string posted = R"(notify_post("com.apple.springboard.ringerstate") = 0)";
+const std::string indicatorOn = "SBRingerHUDController activate:(1)";
+const std::string indicatorOff = "SBRingerHUDController activate:(0)";
+const std::string unmuted = "<SBMediaController> setRingerMuted:(false)";
+const std::string muted = "<SBMediaController> setRingerMuted:(true)";
+const std::string vibrated = "AudioServicesPlaySystemSound(4095)";
+const std::string given = "notify_cancel(t1) = 0";
+
+Dictionary ownVibration(bool whenOff, bool whenOn) {
+    return {
+        {"ios-vibrate-pattern", false}, {"vibrate-when-off", whenOff}, {"vibrate-when-on", whenOn}};
+}
+
+std::size_t vibrations(const Phone& phone) {
+    return only(phone.calls(), {"AudioServicesPlaySystemSound"}).size();
+}
+
+/// What the world sees of applying `state`.
+Calls applied(Phone& phone, std::int32_t state) {
+    phone.log().clear();
+    phone.apply(state);
+    return only(phone.calls(), outward);
+}
+
+std::string stored(int word) { return "notify_set_state(t1, " + std::to_string(word) + ") = 0"; }
+
+std::string volumeSet(const std::string& volume) {
+    return "<AVSystemController> setVolumeTo:forCategory:(" + volume + ", \"Ringtone\") = true";
+}
+
+TEST(ApplyState, IndeterminateDoesNothingAtAll) {
+    Phone phone;
+    phone.write(preferencesPath, ownVibration(true, true));
+    phone.preferences().setDefaultVibrationPattern(YES);
+    phone.setStateWord(7);
+    phone.log().clear();
+    phone.apply(-1);
+    EXPECT_THAT(phone.calls(), IsEmpty());
+    EXPECT_EQ(phone.preferences().defaultVibrationPattern(), YES) << "not even a reload";
+    EXPECT_EQ(phone.stateWord(), 7U);
+    EXPECT_EQ(phone.device().clock.now(), 0.0);
+}
+
+TEST(ApplyState, OnStoresPostsShowsAndUnmutes) {
+    Phone phone;
+    phone.device().hardware.setRingerMuted(true);
+    EXPECT_THAT(applied(phone, 1),
+                ElementsAre(taken, stored(1), posted, indicatorOn, unmuted, given));
+    EXPECT_EQ(phone.stateWord(), 1U);
+    EXPECT_FALSE(phone.device().hardware.isRingerMuted());
+}
+
+TEST(ApplyState, OffStoresPostsShowsAndMutes) {
+    Phone phone;
+    EXPECT_THAT(applied(phone, 0),
+                ElementsAre(taken, stored(0), posted, indicatorOff, muted, given));
+    EXPECT_EQ(phone.stateWord(), 0U);
+    EXPECT_TRUE(phone.device().hardware.isRingerMuted());
+}
+
+TEST(ApplyState, HoldsTheSystemsVibrationOffFromBeforeTheStoreUntilAfterTheMute) {
+    Phone phone;
+    phone.write(preferencesPath, ownVibration(true, false));
+    const Calls announced = {
+        R"(notify_post("com.apple.springboard.ring-vibrate.changed") = 0)",
+        R"(GSSendAppPreferencesChanged("com.apple.springboard", "ring-vibrate"))",
+        R"(notify_post("com.apple.springboard.silent-vibrate.changed") = 0)",
+        R"(GSSendAppPreferencesChanged("com.apple.springboard", "silent-vibrate"))",
+    };
+    Calls expected = {taken};
+    expected.insert(expected.end(), announced.begin(), announced.end());
+    expected.insert(expected.end(),
+                    {"<NSRunLoop> runUntilDate:(0.5)", stored(0), posted, indicatorOff, muted});
+    expected.insert(expected.end(), announced.begin(), announced.end());
+    expected.insert(expected.end(), {"<NSRunLoop> runUntilDate:(1)",
+                                     // The refresh for the switch's own post.
+                                     R"(notify_register_check()"
+                                     R"("com.apple.springboard.ringerstate", t2) = 0)",
+                                     "notify_cancel(t2) = 0", vibrated, given});
+    EXPECT_THAT(applied(phone, 0), ElementsAreArray(expected));
+    EXPECT_EQ(phone.device().clock.now(), 1.0);
+}
+
+TEST(ApplyState, PutsTheSystemsVibrationSettingsBack) {
+    Phone phone;
+    phone.write(preferencesPath, ownVibration(false, false));
+    const Dictionary settings = {{"ring-vibrate", false}, {"silent-vibrate", true}};
+    phone.write(springBoardPath, settings);
+    std::optional<Dictionary> meanwhile;
+    phone.device().runLoop.at(0.25, [&] { meanwhile = phone.dictionary(springBoardPath); });
+    phone.apply(1);
+    EXPECT_EQ(meanwhile, (Dictionary{{"ring-vibrate", false}, {"silent-vibrate", false}}));
+    EXPECT_EQ(phone.dictionary(springBoardPath), settings);
+}
+
+TEST(ApplyState, VibratesOnceByTheUsersChoiceForTheNewState) {
+    for (const bool whenOff : {false, true}) {
+        for (const bool whenOn : {false, true}) {
+            Phone phone;
+            phone.write(preferencesPath, ownVibration(whenOff, whenOn));
+            phone.apply(0);
+            EXPECT_EQ(vibrations(phone), whenOff ? 1U : 0U);
+            phone.log().clear();
+            phone.apply(1);
+            EXPECT_EQ(vibrations(phone), whenOn ? 1U : 0U);
+        }
+    }
+}
+
+TEST(ApplyState, LeavesVibrationToTheSystemByDefaultWhateverTheOtherChoicesAre) {
+    Phone phone;
+    phone.preferences().setVibrateWhenOff(YES);
+    phone.preferences().setVibrateWhenOn(YES);
+    phone.write(preferencesPath, Dictionary{{"ios-vibrate-pattern", true},
+                                            {"vibrate-when-off", true},
+                                            {"vibrate-when-on", true}});
+    const auto settings = phone.bytes(springBoardPath);
+    phone.apply(1);
+    phone.apply(0);
+    EXPECT_EQ(vibrations(phone), 0U);
+    EXPECT_EQ(phone.bytes(springBoardPath), settings);
+    EXPECT_THAT(only(phone.calls(), {"GSSendAppPreferencesChanged", "runUntilDate:"}), IsEmpty());
+    EXPECT_EQ(phone.device().clock.now(), 0.0);
+}
+
+TEST(ApplyState, AsksForTheDefaultPatternAgainAfterTheMute) {
+    // A setter called while the first wait lets the run loop turn counts for the second half.
+    Phone phone;
+    phone.write(preferencesPath, ownVibration(true, true));
+    phone.device().runLoop.at(0.25, [&] { phone.preferences().setDefaultVibrationPattern(YES); });
+    phone.apply(1);
+    EXPECT_EQ(only(phone.calls(), {"runUntilDate:"}).size(), 1U);
+    EXPECT_EQ(vibrations(phone), 0U);
+}
+
+TEST(ApplyState, AsksForTheVibrationOnlyAfterTheSettingsAreBack) {
+    Phone phone;
+    phone.write(preferencesPath, ownVibration(true, false));
+    phone.device().runLoop.at(0.75, [&] { phone.preferences().setVibrateWhenOn(YES); });
+    phone.apply(1);
+    EXPECT_EQ(vibrations(phone), 1U);
+}
+
+TEST(ApplyState, GoesOnWhenTheStateCannotBeStored) {
+    Phone phone;
+    phone.setStateWord(9);
+    phone.whenTokenIsTaken([&](int token) { phone.device().tokens.cancel(token); });
+    EXPECT_THAT(applied(phone, 0), ElementsAre(taken, "notify_set_state(t1, 0) = 2", posted,
+                                               indicatorOff, muted, "notify_cancel(t1) = 2"));
+    EXPECT_THAT(applied(phone, 1), ElementsAre(taken, "notify_set_state(t1, 1) = 2", posted,
+                                               indicatorOn, unmuted, "notify_cancel(t1) = 2"));
+    EXPECT_EQ(phone.stateWord(), 9U);
+}
+
+TEST(ApplyState, GoesOnWhenTheVolumeCanBeNeitherAskedForNorSet) {
+    Phone phone{{.machine = "iPod5,1"}};
+    phone.device().hardware = standin::Hardware{"/nonexistent/hardware.plist"};
+    EXPECT_THAT(
+        applied(phone, 0),
+        ElementsAre(taken, stored(0), posted,
+                    R"(<AVSystemController> getVolume:forCategory:(null, "Ringtone") = false)",
+                    R"(<AVSystemController> setVolumeTo:forCategory:(0, "Ringtone") = false)",
+                    indicatorOff, muted, given));
+    EXPECT_THAT(
+        applied(phone, 1),
+        ElementsAre(
+            taken, stored(1), posted, indicatorOn, unmuted, "NSThread sleepForTimeInterval:(0.25)",
+            R"(<AVSystemController> setVolumeTo:forCategory:(0, "Ringtone") = false)", given));
+}
+
+TEST(ApplyState, OfAnyOtherValueTurnsOnWithoutStoring) {
+    for (const std::int32_t state : {2, -2, 127, std::numeric_limits<std::int32_t>::min(),
+                                     std::numeric_limits<std::int32_t>::max()}) {
+        Phone phone{{.machine = "iPod5,1"}};
+        phone.write(preferencesPath, ownVibration(false, true));
+        phone.setStateWord(5);
+        phone.log().clear();
+        phone.apply(state);
+        const std::vector<std::string> steps = {
+            "notify_set_state",        "activate:",
+            "setRingerMuted:",         "AudioServicesPlaySystemSound",
+            "sleepForTimeInterval:",   "getVolume:forCategory:",
+            "setVolumeTo:forCategory:"};
+        EXPECT_THAT(only(phone.calls(), steps), ElementsAre(indicatorOn, unmuted, vibrated))
+            << state;
+        EXPECT_EQ(phone.posts(ringerStateName), 1U) << state;
+        EXPECT_EQ(phone.stateWord(), 5U) << state;
+    }
+}
+
+TEST(ApplyState, WithoutATokenOnlyReloadsThePreferences) {
+    for (const std::int32_t state : {0, 1, 2}) {
+        Phone phone{{.machine = "iPod5,1"}};
+        phone.write(preferencesPath, ownVibration(false, true));
+        phone.setStateWord(1);
+        phone.device().tokens.refuse(true);
+        EXPECT_THAT(
+            applied(phone, state),
+            ElementsAre(
+                R"(notify_register_check("com.apple.springboard.ringerstate", null) = 1000000)"))
+            << "no cancel either";
+        EXPECT_EQ(phone.preferences().defaultVibrationPattern(), NO);
+        EXPECT_EQ(phone.preferences().vibrateWhenOff(), NO);
+        EXPECT_EQ(phone.preferences().vibrateWhenOn(), YES);
+        EXPECT_EQ(phone.posts(ringerStateName), 0U);
+        EXPECT_EQ(phone.stateWord(), 1U);
+        EXPECT_EQ(phone.device().clock.now(), 0.0);
+    }
+}
+
+TEST(ApplyState, IgnoresTheIdentifier) {
+    for (const char* const identifier : {"", "no.such.switch", switchIdentifier}) {
+        Phone phone;
+        phone.log().clear();
+        phone.apply(0, identifier);
+        EXPECT_THAT(only(phone.calls(), outward),
+                    ElementsAre(taken, stored(0), posted, indicatorOff, muted, given));
+    }
+}
+
+TEST(ApplyState, KeepsNoToken) {
+    Phone phone;
+    phone.write(preferencesPath, ownVibration(true, true));
+    for (const std::int32_t state : {0, 1, 2, -1}) {
+        phone.apply(state);
+        EXPECT_EQ(phone.device().tokens.count(), 0U);
+    }
+}
+
+TEST(ApplyState, ReadsTheModelTwiceAndAfreshWhateverTheState) {
+    for (const std::int32_t state : {0, 1, 2}) {
+        Phone phone;
+        phone.log().clear();
+        phone.apply(state);
+        EXPECT_THAT(only(phone.calls(), {"uname", "notify_post", "NSClassFromString"}),
+                    ElementsAreArray(reported({
+                        posted,
+                        R"(uname("iPhone6,1") = 0)",
+                        R"(NSClassFromString("SBMediaController") = "SBMediaController")",
+                        R"(NSClassFromString("SBRingerHUDController") = "SBRingerHUDController")",
+                        R"(uname("iPhone6,1") = 0)",
+                    })));
+    }
+}
+
+TEST(ApplyState, OffOnAnIPodSavesTheVolumeAfterThePostAndBeforeTheIndicator) {
+    Phone phone{{.machine = "iPod5,1"}};
+    phone.device().hardware.setVolume("Ringtone", 0.6F);
+    EXPECT_THAT(
+        applied(phone, 0),
+        ElementsAre(taken, stored(0), posted,
+                    R"(<AVSystemController> getVolume:forCategory:(0.6, "Ringtone") = true)",
+                    volumeSet("0"), indicatorOff, muted, given));
+    EXPECT_EQ(phone.volume(), 0.0F);
+}
+
+TEST(ApplyState, OnOnAnIPodPausesAndRestoresTheVolumeAfterTheVibration) {
+    Phone phone{{.machine = "iPod5,1"}};
+    phone.device().hardware.setVolume("Ringtone", 0.6F);
+    phone.write(preferencesPath, ownVibration(true, true));
+    phone.apply(0);
+    const double before = phone.device().clock.now();
+    phone.log().clear();
+    phone.apply(1);
+    EXPECT_THAT(only(phone.calls(), {"AudioServicesPlaySystemSound",
+                                     "sleepForTimeInterval:", "setVolumeTo:forCategory:"}),
+                ElementsAre(vibrated, "NSThread sleepForTimeInterval:(0.25)", volumeSet("0.6")));
+    EXPECT_EQ(phone.device().clock.now(), before + 1.25) << "the longest call";
+    EXPECT_EQ(phone.volume(), 0.6F);
+    EXPECT_THAT(phone.calls().back(), given);
+}
+
+TEST(ApplyState, OnOnAnIPodServesNothingDuringThePause) {
+    Phone phone{{.machine = "iPod5,1"}};
+    bool served = false;
+    phone.device().runLoop.at(0.125, [&] { served = true; });
+    phone.apply(1);
+    EXPECT_EQ(phone.device().clock.now(), 0.25);
+    EXPECT_FALSE(served);
+}
+
+TEST(ApplyState, OnOnAnIPodWithoutAFileSetsTheFullVolume) {
+    Phone phone{{.machine = "iPod5,1"}};
+    EXPECT_THAT(only(applied(phone, 1), {"setVolumeTo:forCategory:"}), ElementsAre(volumeSet("1")));
+}
+
+TEST(ApplyState, OnOnAnIPodWithAnUnreadableFileSetsTheFullVolume) {
+    Phone phone{{.machine = "iPod5,1"}};
+    phone.writeBytes(preferencesPath, "<plist><array/></plist>");
+    EXPECT_THAT(only(applied(phone, 1), {"setVolumeTo:forCategory:"}), ElementsAre(volumeSet("1")));
+}
+
+TEST(ApplyState, OnOnAnIPodWithAFileWithoutTheVolumeSetsSilence) {
+    Phone phone{{.machine = "iPod5,1"}};
+    phone.write(preferencesPath, Dictionary{{"ios-vibrate-pattern", true}});
+    EXPECT_THAT(only(applied(phone, 1), {"setVolumeTo:forCategory:"}), ElementsAre(volumeSet("0")));
+}
+
+TEST(ApplyState, ActivatesTheIndicatorAtTheInstanceWhereTheClassDoesNotRespond) {
+    Phone phone{{.host = {.indicator = Host::Indicator::atInstance}}};
+    EXPECT_THAT(only(applied(phone, 1), {"activate:"}),
+                ElementsAre("<SBRingerHUDController> activate:(1)"));
+    EXPECT_THAT(only(applied(phone, 0), {"activate:"}),
+                ElementsAre("<SBRingerHUDController> activate:(0)"));
+}
+
+TEST(ApplyState, DoesTheRestWhereTheHostLacksBothClasses) {
+    Phone phone{{.machine = "iPod5,1",
+                 .host = {.indicator = Host::Indicator::absent, .media = Host::Media::absent}}};
+    phone.write(preferencesPath, ownVibration(true, true));
+    phone.apply(0);
+    phone.log().clear();
+    phone.apply(1);
+    EXPECT_THAT(
+        only(phone.calls(), {"notify_set_state", "activate:", "setRingerMuted:", "sharedInstance",
+                             "AudioServicesPlaySystemSound", "setVolumeTo:forCategory:"}),
+        ElementsAre(stored(1), vibrated, volumeSet("0.75")));
+    EXPECT_EQ(only(phone.calls(), {"runUntilDate:"}).size(), 2U);
+}
+
+TEST(ApplyState, ReadsTheOldStateInTheFirstWaitAndTheNewOneInTheSecond) {
+    Phone phone;
+    phone.write(preferencesPath, ownVibration(false, false));
+    phone.setStateWord(1);
+    std::vector<std::pair<double, FSSwitchState>> redraws;
+    phone.device().framework.setRedraw([&](std::string_view, FSSwitchState state) {
+        redraws.emplace_back(phone.device().clock.now(), state);
+    });
+    phone.device().runLoop.at(0.25, [&] { phone.post(ringerStateName); });
+    phone.device().runLoop.at(0.75, [&] { phone.post(ringerStateName); });
+    phone.apply(0);
+    EXPECT_THAT(redraws,
+                ElementsAre(std::pair(0.25, FSSwitchStateOn), std::pair(0.5, FSSwitchStateOff),
+                            std::pair(0.75, FSSwitchStateOff)));
+}
+
+TEST(ApplyState, IsRefreshedAfterwardsWhereItDoesNotWait) {
+    Phone phone;
+    std::vector<FSSwitchState> redraws;
+    phone.device().framework.setRedraw(
+        [&](std::string_view, FSSwitchState state) { redraws.push_back(state); });
+    phone.apply(0);
+    EXPECT_THAT(redraws, IsEmpty());
+    phone.device().runLoop.turn();
+    EXPECT_THAT(redraws, ElementsAre(FSSwitchStateOff));
+}
+
+TEST(ApplyState, MayBeAskedForAnotherStateWhileItWaits) {
+    // The host's own input falls due in the first wait and flips the switch the other way.
+    Phone phone;
+    phone.write(preferencesPath, ownVibration(false, false));
+    phone.device().runLoop.at(0.25, [&] { phone.apply(1); });
+    phone.apply(0);
+    EXPECT_EQ(phone.stateWord(), 0U) << "the outer call stores last";
+    EXPECT_EQ(phone.device().tokens.count(), 0U);
+    EXPECT_EQ(phone.device().clock.now(), 1.75);
+}
+
+TEST(ApplyState, LeaksNothing) {
+    Phone phone{{.machine = "iPod5,1"}};
+    phone.write(preferencesPath, ownVibration(true, true));
+    phone.apply(0);
+    phone.apply(1);
+    const int live = standin::Instance::live();
+    for (int flip = 0; flip < 10; ++flip) phone.apply(flip % 2);
+    phone.state();
+    EXPECT_EQ(standin::Instance::live(), live);
+}
+
+TEST(ApplyState, TakesAtLeastASecondInRealTimeAndReadsTheStateOfTheMoment) {
+    Phone phone{{.clock = standin::Clock::Kind::real}};
+    phone.write(preferencesPath, ownVibration(false, false));
+    phone.setStateWord(1);
+    std::vector<FSSwitchState> redraws;
+    phone.device().framework.setRedraw(
+        [&](std::string_view, FSSwitchState state) { redraws.push_back(state); });
+    const double start = phone.device().clock.now();
+    phone.device().runLoop.at(start + 0.25, [&] { phone.post(ringerStateName); });
+    phone.device().runLoop.at(start + 0.75, [&] { phone.post(ringerStateName); });
+    phone.apply(0);
+    EXPECT_GE(phone.device().clock.now() - start, 1.0);
+    // On a busy machine the last two refreshes may fall together.
+    ASSERT_GE(redraws.size(), 2U);
+    EXPECT_EQ(redraws.front(), FSSwitchStateOn);
+    EXPECT_THAT(std::vector(redraws.begin() + 1, redraws.end()), Each(FSSwitchStateOff));
+}
+
+}  // namespace
+}  // namespace quillet::test

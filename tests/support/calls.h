@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/standin/trace.h"
+
+namespace quillet::test {
+
+/// Platform operations as lines such as `<SBMediaController> setRingerMuted:(true)`,
+/// `notify_post("a.name") = 0`, in order. Operations that the platform under test does not report
+/// are left out.
+using Calls = std::vector<std::string>;
+
+/// Writes down what a device's bundle calls.
+class CallLog {
+public:
+    void add(const standin::TraceRecord& record);
+    void clear();
+
+    const Calls& calls() const { return calls_; }
+    /// When each call was made, in seconds of the device's clock.
+    const std::vector<double>& times() const { return times_; }
+
+private:
+    std::string argument(const standin::TraceRecord& record, std::size_t index);
+
+    Calls calls_;
+    std::vector<double> times_;
+    std::map<std::int64_t, std::string> tokens_;
+};
+
+/// `expected` without the lines of operations that the platform under test does not report.
+Calls reported(const Calls& expected);
+
+/// The lines of `calls` whose operation is one of `operations`.
+Calls only(const Calls& calls, const std::vector<std::string>& operations);
+
+}  // namespace quillet::test

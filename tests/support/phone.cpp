@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/phone.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "platform/standin/instance.h"
+#include "platform/standin/property_list_file.h"
+#include "tests/support/under_test.h"
+
+namespace quillet::test {
+
+using standin::Dictionary;
+using standin::Value;
+
+Phone::Phone(const PhoneOptions& options)
+    : device_{{.root = folder_.path() / "root",
+               .machine = options.machine,
+               .host = options.host,
+               .clock = options.clock,
+               .openModule = moduleOpener()}} {
+    remove(preferencesPath);
+    device_.trace.setSink([this](const standin::TraceRecord& record) {
+        log_.add(record);
+        if (!tokenWork_ || record.operation != "notify_register_check") return;
+        tokenWork_(static_cast<int>(std::get<std::int64_t>(record.arguments[1])));
+    });
+    device_.framework.load(bundleUnderTest());
+}
+
+FSSwitchState Phone::state(const char* identifier) {
+    return dataSource().stateForSwitchIdentifier(identifier);
+}
+
+void Phone::apply(std::int32_t state, const char* identifier) {
+    dataSource().applyState(static_cast<FSSwitchState>(state), identifier);
+}
+
+void Phone::whenTokenIsTaken(std::function<void(int token)> work) { tokenWork_ = std::move(work); }
+
+standin::FSSwitchDataSource& Phone::dataSource() {
+    return *device_.framework.dataSource(switchIdentifier);
+}
+
+void Phone::write(std::string_view path, const Value& value) {
+    writeBytes(path, standin::writePropertyList(value));
+}
+
+void Phone::writeBytes(std::string_view path, std::string_view bytes) {
+    if (!standin::writeFileAtomically(device_.below(path), bytes)) {
+        throw std::runtime_error("cannot write " + std::string{path});
+    }
+}
+
+void Phone::remove(std::string_view path) { std::filesystem::remove_all(device_.below(path)); }
+
+std::optional<std::string> Phone::bytes(std::string_view path) {
+    return standin::readFile(device_.below(path));
+}
+
+std::optional<Dictionary> Phone::dictionary(std::string_view path) {
+    const auto content = bytes(path);
+    const auto value = content ? standin::readPropertyList(*content) : std::nullopt;
+    const auto* const dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
+    return dictionary ? std::optional{*dictionary} : std::nullopt;
+}
+
+std::uint64_t Phone::stateWord() {
+    return device_.notifications.findOrAdd(ringerStateName)->state.load();
+}
+
+void Phone::setStateWord(std::uint64_t word) {
+    device_.notifications.findOrAdd(ringerStateName)->state = word;
+}
+
+std::uint32_t Phone::posts(std::string_view name) {
+    return device_.notifications.findOrAdd(name)->posts.load();
+}
+
+void Phone::post(std::string_view name) {
+    device_.notifications.post(*device_.notifications.findOrAdd(name));
+}
+
+}  // namespace quillet::test

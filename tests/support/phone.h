@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/standin/data_source.h"
+#include "platform/standin/device.h"
+#include "platform/standin/value.h"
+#include "prefs/PrefsLoader.h"
+#include "tests/support/calls.h"
+#include "tests/support/temporary_folder.h"
+
+namespace quillet::test {
+
+inline constexpr char switchIdentifier[] = "com.velk.switch.ringer";
+inline constexpr char ringerStateName[] = "com.apple.springboard.ringerstate";
+inline constexpr char springBoardPath[] =
+    "/var/mobile/Library/Preferences/com.apple.springboard.plist";
+
+struct PhoneOptions {
+    std::string machine = "iPhone6,1";
+    standin::Host host = {};
+    standin::Clock::Kind clock = standin::Clock::Kind::virtualTime;
+};
+
+/// A new device in a folder of its own, with the bundle under test loaded into its SpringBoard
+/// and nothing in the bundle's preferences file, which is absent.
+class Phone {
+public:
+    explicit Phone(const PhoneOptions& options = {});
+
+    /// The switch as the framework sees it.
+    FSSwitchState state(const char* identifier = switchIdentifier);
+    void apply(std::int32_t state, const char* identifier = switchIdentifier);
+    standin::FSSwitchDataSource& dataSource();
+    standin::Device& device() { return device_; }
+
+    /// Has `work` done with every token of the bundle as soon as it is taken.
+    void whenTokenIsTaken(std::function<void(int token)> work);
+
+    /// What the bundle called since loading, or since the log was last cleared.
+    CallLog& log() { return log_; }
+    const Calls& calls() const { return log_.calls(); }
+
+    /// The address of a function or a variable that the bundle exports.
+    template <class Type>
+    Type* exported(const char* name) {
+        return reinterpret_cast<Type*>(device_.framework.symbol(name));
+    }
+    PrefsLoader& preferences() { return **exported<PrefsLoader*>("_prefsLoader"); }
+
+    /// Files, by their paths on the device.
+    void write(std::string_view path, const standin::Value& value);
+    void writeBytes(std::string_view path, std::string_view bytes);
+    void remove(std::string_view path);
+    /// Nothing when there is no file.
+    std::optional<std::string> bytes(std::string_view path);
+    /// The dictionary in the file; nothing when there is none.
+    std::optional<standin::Dictionary> dictionary(std::string_view path);
+
+    /// The ringer-state word.
+    std::uint64_t stateWord();
+    void setStateWord(std::uint64_t word);
+    std::uint32_t posts(std::string_view name);
+    void post(std::string_view name);
+
+    /// The volume of the category "Ringtone".
+    float volume() { return device_.hardware.volume("Ringtone").value_or(-1.0F); }
+
+private:
+    TemporaryFolder folder_;
+    CallLog log_;
+    std::function<void(int)> tokenWork_;
+    standin::Device device_;
+};
+
+}  // namespace quillet::test
