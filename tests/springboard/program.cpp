@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include "tests/springboard/program.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+#include "platform/standin/device_root.h"
+#include "platform/standin/property_list_file.h"
+
+namespace quillet::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The status of a shell that cannot start a program.
+constexpr int notStarted = 127;
+
+void redirect(int descriptor, const fs::path& file, int flags) {
+    const int opened = open(file.c_str(), flags, 0644);
+    if (opened < 0 || dup2(opened, descriptor) < 0) _exit(notStarted);
+    close(opened);
+}
+
+/// In the new process, between fork and exec.
+[[noreturn]] void become(const fs::path& program, const Start& how) {
+    redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
+    redirect(STDOUT_FILENO, how.output, O_WRONLY | O_CREAT | O_TRUNC);
+    redirect(STDERR_FILENO, how.errors, O_WRONLY | O_CREAT | O_TRUNC);
+    if (how.closed) close(*how.closed);
+    for (const std::string& name : how.unset) unsetenv(name.c_str());
+    for (const std::string& setting : how.environment) {
+        const std::size_t sign = setting.find('=');
+        setenv(setting.substr(0, sign).c_str(), setting.substr(sign + 1).c_str(), 1);
+    }
+    if (!how.folder.empty() && chdir(how.folder.c_str()) != 0) _exit(notStarted);
+    std::string name = program.filename();
+    std::vector<char*> arguments = {name.data()};
+    for (const std::string& word : how.words) arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    execv(program.c_str(), arguments.data());
+    _exit(notStarted);
+}
+
+}  // namespace
+
+pid_t start(const fs::path& program, const Start& how) {
+    const pid_t process = fork();
+    if (process < 0) throw std::runtime_error("no second process");
+    if (process == 0) become(program, how);
+    return process;
+}
+
+int waitFor(pid_t process) {
+    int report = 0;
+    if (waitpid(process, &report, 0) != process) throw std::runtime_error("nobody to wait for");
+    return WIFSIGNALED(report) ? -WTERMSIG(report) : WEXITSTATUS(report);
+}
+
+std::string readText(const fs::path& file) {
+    std::ostringstream text;
+    text << std::ifstream{file, std::ios::binary}.rdbuf();
+    return text.str();
+}
+
+void writeText(const fs::path& file, const std::string& text) {
+    std::ofstream{file, std::ios::binary} << text;
+}
+
+bool becomesTrue(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds{20};
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds{5});
+    }
+    return true;
+}
+
+Words linesOf(const std::string& text) {
+    Words lines;
+    std::istringstream rest{text};
+    for (std::string line; std::getline(rest, line);) lines.push_back(line);
+    return lines;
+}
+
+SpringBoard::SpringBoard() {
+    standin::DeviceRoot{root()};
+    write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", true}});
+}
+
+Outcome SpringBoard::run(Words words) {
+    words.insert(words.begin(), {"--root", root()});
+    return runBare({.words = std::move(words), .output = {}, .errors = {}});
+}
+
+Outcome SpringBoard::runBare(Start how) {
+    const fs::path output = folder() / "output";
+    const fs::path errors = folder() / "errors";
+    if (how.output.empty()) how.output = output;
+    if (how.errors.empty()) how.errors = errors;
+    const int status = waitFor(start(QUILLET_SPRINGBOARD, how));
+    return {status, fs::exists(output) ? readText(output) : "", readText(errors)};
+}
+
+void SpringBoard::expectOutput(const Words& words, const std::string& output) {
+    const Outcome outcome = run(words);
+    EXPECT_EQ(outcome.status, 0) << testing::PrintToString(words);
+    EXPECT_EQ(outcome.output, output) << testing::PrintToString(words);
+    EXPECT_EQ(outcome.errors, "") << testing::PrintToString(words);
+}
+
+void SpringBoard::expectFailure(const Outcome& outcome, int status, const std::string& message) {
+    EXPECT_EQ(outcome.status, status) << outcome.errors;
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(outcome.errors.rfind("springboard: ", 0), 0U) << outcome.errors;
+    EXPECT_NE(outcome.errors.find(message), std::string::npos)
+        << message << " is not in: " << outcome.errors;
+    EXPECT_TRUE(outcome.errors.ends_with("\n"));
+}
+
+fs::path SpringBoard::onDevice(const std::string& path) const { return root().string() + path; }
+
+void SpringBoard::write(const std::string& path, const standin::Value& value) const {
+    writeText(onDevice(path), standin::writePropertyList(value));
+}
+
+std::string SpringBoard::bytes(const std::string& path) const { return readText(onDevice(path)); }
+
+standin::Dictionary SpringBoard::dictionary(const std::string& path) const {
+    const auto value = standin::readPropertyList(bytes(path));
+    const auto* const found = value ? std::get_if<standin::Dictionary>(&*value) : nullptr;
+    return found ? *found : standin::Dictionary{};
+}
+
+}  // namespace quillet::test

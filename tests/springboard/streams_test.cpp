@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <regex>
+#include <string>
+
+#include "tests/springboard/program.h"
+
+namespace quillet::test {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// What a command writes, and where.
+class Streams : public SpringBoard {
+protected:
+    fs::path trace() const { return folder() / "trace"; }
+
+    Outcome runTo(const fs::path& output, const Words& words) {
+        return runBare({.words = words, .output = output, .errors = {}});
+    }
+};
+
+/// One line: the time, the operation, perhaps a receiver, the arguments, perhaps a result.
+const std::regex traceLine{
+    R"re(\{"t": ([0-9][0-9.e-]*), "op": "([^"]+)"(, "receiver": "[^"]+")?, )re"
+    R"re("args": \[[^\]]*\](, "result": .+)?\})re"};
+
+/// The operations of a trace, whose lines must have their shape and whose times must not go back.
+Words operationsIn(const std::string& trace) {
+    Words operations;
+    double last = 0;
+    for (const std::string& line : linesOf(trace)) {
+        std::smatch parts;
+        if (!std::regex_match(line, parts, traceLine)) {
+            ADD_FAILURE() << "not of a trace: " << line;
+            continue;
+        }
+        const double time = std::stod(parts[1]);
+        EXPECT_GE(time, last) << line;
+        last = time;
+        operations.push_back(parts[2]);
+    }
+    return operations;
+}
+
+TEST_F(Streams, TheTraceGoesToStandardErrorWithTheStateOnStandardOutput) {
+    const Outcome outcome = run({"--trace", "flip"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.output, "off\n");
+    const Words operations = operationsIn(outcome.errors);
+    EXPECT_THAT(operations, Contains("setRingerMuted:"));
+    EXPECT_THAT(operations, Contains("notify_post"));
+}
+
+TEST_F(Streams, TheTraceOfAQuestionIsComplete) {
+    EXPECT_THAT(operationsIn(run({"state", "--trace"}).errors),
+                ElementsAre("init", "CFNotificationCenterGetDarwinNotifyCenter",
+                            "CFNotificationCenterAddObserver", "notify_register_check",
+                            "notify_check", "notify_get_state", "notify_cancel"));
+}
+
+TEST_F(Streams, TheTraceOfATapHasTheQuestionTheChangeAndTheRefresh) {
+    const Outcome outcome = run({"flip", "--trace"});
+    Words of;
+    for (const std::string& operation : operationsIn(outcome.errors)) {
+        if (operation == "notify_get_state" || operation == "notify_set_state" ||
+            operation == "stateDidChangeForSwitchIdentifier:") {
+            of.push_back(operation);
+        }
+    }
+    EXPECT_THAT(of, ElementsAre("notify_get_state", "notify_set_state",
+                                "stateDidChangeForSwitchIdentifier:", "notify_get_state",
+                                "notify_get_state"));
+}
+
+TEST_F(Streams, ALineHasTheArgumentsAndTheResult) {
+    const Outcome outcome = run({"--trace", "--machine", "iPod5,1", "flip", "off"});
+    EXPECT_THAT(outcome.errors, HasSubstr(R"("op": "uname", "args": ["iPod5,1"], "result": 0})"));
+    EXPECT_THAT(outcome.errors,
+                HasSubstr(R"("op": "setVolumeTo:forCategory:", "receiver": )"
+                          R"("<AVSystemController>", "args": [0, "Ringtone"], "result": true})"));
+    EXPECT_THAT(outcome.errors, HasSubstr(R"("op": "setRingerMuted:", "receiver": )"
+                                          R"("<SBMediaController>", "args": [true]})"));
+}
+
+TEST_F(Streams, TimesAreSecondsSinceTheCommandBegan) {
+    write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}});
+    const Outcome outcome = run({"--trace", "flip"});
+    std::smatch parts;
+    const Words lines = linesOf(outcome.errors);
+    ASSERT_THAT(lines, testing::Not(IsEmpty()));
+    ASSERT_TRUE(std::regex_match(lines.front(), parts, traceLine));
+    EXPECT_LT(std::stod(parts[1]), 0.9);
+    ASSERT_TRUE(std::regex_match(lines.back(), parts, traceLine));
+    EXPECT_GE(std::stod(parts[1]), 1.0) << "the switch waits for half a second twice";
+    EXPECT_LT(std::stod(parts[1]), 60.0);
+}
+
+TEST_F(Streams, AFlipOfASwitchThatVibratesItselfPlaysTheSound) {
+    write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false},
+                                               {"vibrate-when-off", true},
+                                               {"vibrate-when-on", false}});
+    const std::string sound = R"("op": "AudioServicesPlaySystemSound", "args": [4095]})";
+    EXPECT_THAT(run({"--trace", "flip", "off"}).errors, HasSubstr(sound));
+}
+
+TEST_F(Streams, TheTraceMayGoToAFile) {
+    writeText(trace(), "an older trace\n");
+    expectOutput({"--trace=" + trace().string(), "flip"}, "off\n");
+    EXPECT_THAT(operationsIn(readText(trace())), Contains("setRingerMuted:"));
+}
+
+TEST_F(Streams, ATraceThatCannotBeWrittenIsAFailure) {
+    const std::string nowhere = folder() / "no" / "trace";
+    expectFailure(run({"--trace=" + nowhere, "flip"}), 1, nowhere + ": cannot be written");
+    expectOutput({"state"}, "on\n");
+}
+
+TEST_F(Streams, ATraceThatIsCutOffIsAFailure) {
+    const Outcome outcome = run({"--trace=/dev/full", "flip"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "off\n") << "the switch was flipped all the same";
+    EXPECT_EQ(outcome.errors, "springboard: the trace cannot be written\n");
+}
+
+TEST_F(Streams, AMachineNameThatIsNoUTF8IsTracedAsASCII) {
+    const Outcome outcome = run({"--trace", "--machine", "iPod\xFF", "flip", "on"});
+    EXPECT_THAT(outcome.errors, HasSubstr(R"("op": "uname", "args": ["iPod\ufffd"])"));
+}
+
+TEST_F(Streams, StandardOutputThatCannotBeWrittenIsAFailure) {
+    const std::string message = "springboard: standard output cannot be written\n";
+    for (const Words& words : {Words{"state"}, Words{"flip"}, Words{"apply", "1"}, Words{"--help"},
+                               Words{"--version"}, Words{"--json", "state"}}) {
+        Words all = {"--root", root()};
+        all.insert(all.end(), words.begin(), words.end());
+        const Outcome outcome = runBare({.words = all, .output = "/dev/full", .errors = {}});
+        EXPECT_EQ(outcome.status, 1) << testing::PrintToString(words);
+        EXPECT_EQ(outcome.errors, message) << testing::PrintToString(words);
+    }
+}
+
+TEST_F(Streams, AClosedStandardOutputIsAFailureAndLeavesTheDeviceWhole) {
+    const std::string before = bytes("/var/run/notifications");
+    for (const int input : {0, 1}) {
+        const Outcome outcome = runBare(
+            {.words = {"--root", root(), "state"}, .output = {}, .errors = {}, .closed = input});
+        EXPECT_EQ(outcome.status, input) << outcome.errors;
+        EXPECT_EQ(bytes("/var/run/notifications"), before) << "descriptor " << input;
+    }
+    expectOutput({"state"}, "on\n");
+}
+
+TEST_F(Streams, AClosedStandardErrorLeavesTheDeviceWhole) {
+    const std::string before = bytes("/var/run/notifications");
+    const Outcome outcome = runBare(
+        {.words = {"--root", root(), "state", "--trace"}, .output = {}, .errors = {}, .closed = 2});
+    EXPECT_EQ(outcome.status, 1) << "the trace cannot be written";
+    EXPECT_EQ(bytes("/var/run/notifications"), before);
+    expectOutput({"state"}, "on\n");
+}
+
+}  // namespace
+}  // namespace quillet::test

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "platform/springboard.h"
+#include "tests/standin/on_a_device.h"
+
+namespace quillet::test {
+namespace {
+
+using standin::Host;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr Host::Media everyMedia[] = {Host::Media::absent, Host::Media::present,
+                                      Host::Media::noInstance, Host::Media::deafInstance};
+
+struct IndicatorRow {
+    Host::Indicator variant;
+    bool hasClass;
+    bool classActivates;
+    bool hasInstance;
+    bool instanceActivates;
+};
+
+constexpr IndicatorRow indicatorRows[] = {
+    {Host::Indicator::absent, false, false, false, false},
+    {Host::Indicator::atClass, true, true, true, false},
+    {Host::Indicator::atInstance, true, false, true, true},
+    {Host::Indicator::noInstance, true, false, false, false},
+    {Host::Indicator::deafInstance, true, false, true, false},
+};
+
+struct MediaRow {
+    Host::Media variant;
+    bool hasClass;
+    bool hasInstance;
+    bool instanceMutes;
+};
+
+constexpr MediaRow mediaRows[] = {
+    {Host::Media::absent, false, false, false},
+    {Host::Media::present, true, true, true},
+    {Host::Media::noInstance, true, false, false},
+    {Host::Media::deafInstance, true, true, false},
+};
+
+std::string nameOf(Host::Indicator indicator, Host::Media media) {
+    return "indicator " + std::to_string(static_cast<int>(indicator)) + ", media " +
+           std::to_string(static_cast<int>(media));
+}
+
+class HostClasses : public OnADevice {
+protected:
+    bool activates(const SBRingerHUDController& receiver) {
+        return answers("activate:", [&] { receiver.activate(1); });
+    }
+    bool mutes(const SBMediaController& receiver) {
+        return answers("setRingerMuted:", [&] { receiver.setRingerMuted(YES); });
+    }
+
+    /// Whether `send` reaches a receiver that answers `selector`.
+    template <class Send>
+    bool answers(const std::string& selector, Send send) {
+        forgetCalls();
+        send();
+        return !only(calls(), {selector}).empty();
+    }
+
+    void expectIndicator(const IndicatorRow& row) {
+        const auto cls = SBRingerHUDController::classInHost();
+        EXPECT_EQ(static_cast<bool>(cls), row.hasClass);
+        EXPECT_EQ(cls.respondsToSelector("activate:"), row.classActivates);
+        EXPECT_EQ(cls.respondsToSelector("sharedInstance"), row.hasClass);
+        EXPECT_EQ(activates(cls), row.classActivates);
+        const auto instance = cls.sharedInstance();
+        EXPECT_EQ(static_cast<bool>(instance), row.hasInstance);
+        EXPECT_EQ(instance.respondsToSelector("activate:"), row.instanceActivates);
+        EXPECT_EQ(activates(instance), row.instanceActivates);
+    }
+
+    void expectMedia(const MediaRow& row) {
+        const auto cls = SBMediaController::classInHost();
+        EXPECT_EQ(static_cast<bool>(cls), row.hasClass);
+        EXPECT_EQ(cls.respondsToSelector("setRingerMuted:"), NO);
+        EXPECT_EQ(cls.respondsToSelector("sharedInstance"), row.hasClass);
+        EXPECT_FALSE(mutes(cls));
+        const auto instance = cls.sharedInstance();
+        EXPECT_EQ(static_cast<bool>(instance), row.hasInstance);
+        EXPECT_EQ(instance.respondsToSelector("setRingerMuted:"), row.instanceMutes);
+        EXPECT_EQ(mutes(instance), row.instanceMutes);
+    }
+};
+
+TEST_F(HostClasses, EveryVariantHasAndAnswersWhatItSays) {
+    for (const IndicatorRow& indicator : indicatorRows) {
+        for (const MediaRow& media : mediaRows) {
+            SCOPED_TRACE(nameOf(indicator.variant, media.variant));
+            device().host = {indicator.variant, media.variant};
+            device().hardware.setRingerMuted(false);
+            expectIndicator(indicator);
+            expectMedia(media);
+            EXPECT_EQ(device().hardware.isRingerMuted(), media.instanceMutes);
+        }
+    }
+}
+
+TEST_F(HostClasses, AnAbsentClassIsLookedUpAndThenReachesNobody) {
+    for (const Host::Media media : everyMedia) {
+        device().host = {Host::Indicator::absent, media};
+        forgetCalls();
+        const auto cls = SBRingerHUDController::classInHost();
+        EXPECT_EQ(cls.respondsToSelector("activate:"), NO);
+        cls.activate(1);
+        cls.sharedInstance().activate(1);
+        EXPECT_THAT(calls(), ElementsAre(R"(NSClassFromString("SBRingerHUDController") = null)"));
+    }
+}
+
+TEST_F(HostClasses, TheClassAndItsInstanceAreTraced) {
+    device().host.indicator = Host::Indicator::atInstance;
+    const auto cls = SBRingerHUDController::classInHost();
+    cls.respondsToSelector("activate:");
+    cls.sharedInstance().activate(0);
+    EXPECT_THAT(
+        calls(),
+        ElementsAre(R"(NSClassFromString("SBRingerHUDController") = "SBRingerHUDController")",
+                    R"(SBRingerHUDController respondsToSelector:("activate:") = false)",
+                    R"(SBRingerHUDController sharedInstance() = "<SBRingerHUDController>")",
+                    "<SBRingerHUDController> activate:(0)"));
+}
+
+TEST_F(HostClasses, AnyIntegerMayBeShown) {
+    const auto cls = SBRingerHUDController::classInHost();
+    forgetCalls();
+    cls.activate(-2147483647 - 1);
+    cls.activate(255);
+    EXPECT_THAT(calls(), ElementsAre("SBRingerHUDController activate:(-2147483648)",
+                                     "SBRingerHUDController activate:(255)"));
+}
+
+TEST_F(HostClasses, MutingIsKeptByTheDevice) {
+    const auto media = SBMediaController::classInHost().sharedInstance();
+    forgetCalls();
+    media.setRingerMuted(YES);
+    EXPECT_TRUE(device().hardware.isRingerMuted());
+    media.setRingerMuted(NO);
+    EXPECT_FALSE(device().hardware.isRingerMuted());
+    media.setRingerMuted(0x80);
+    EXPECT_TRUE(device().hardware.isRingerMuted()) << "anything but zero is YES";
+    EXPECT_THAT(calls(), ElementsAre("<SBMediaController> setRingerMuted:(true)",
+                                     "<SBMediaController> setRingerMuted:(false)",
+                                     "<SBMediaController> setRingerMuted:(true)"));
+}
+
+TEST_F(HostClasses, ADeafInstanceLeavesTheMuteAsItIs) {
+    device().host.media = Host::Media::deafInstance;
+    const auto media = SBMediaController::classInHost().sharedInstance();
+    forgetCalls();
+    media.setRingerMuted(YES);
+    EXPECT_FALSE(device().hardware.isRingerMuted());
+    EXPECT_THAT(calls(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace quillet::test
