@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#include "platform/bundle.h"
+
+#include "platform/ios/foundation_classes.h"
+
+namespace quillet {
+
+NSBundle NSBundle::bundleForClass(Class cls) {
+    return NSBundle([[::NSBundle bundleForClass:object(cls)] retain]);
+}
+
+NSString NSBundle::bundleIdentifier() const { return shared([object(*this) bundleIdentifier]); }
+
+}  // namespace quillet

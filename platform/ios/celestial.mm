@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#include "platform/celestial.h"
+
+#include "platform/ios/foundation_classes.h"
+
+namespace quillet {
+
+AVSystemController AVSystemController::sharedAVSystemController() {
+    return AVSystemController([[::AVSystemController sharedAVSystemController] retain]);
+}
+
+BOOL AVSystemController::getVolume(float* volume, NSString forCategory) const {
+    return [object(*this) getVolume:volume forCategory:object(forCategory)];
+}
+
+BOOL AVSystemController::setVolumeTo(float volume, NSString forCategory) const {
+    return [object(*this) setVolumeTo:volume forCategory:object(forCategory)];
+}
+
+}  // namespace quillet

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+#include "platform/flipswitch.h"
+
+#include "platform/ios/foundation_classes.h"
+
+namespace quillet {
+
+FSSwitchPanel FSSwitchPanel::sharedPanel() {
+    return FSSwitchPanel([[::FSSwitchPanel sharedPanel] retain]);
+}
+
+void FSSwitchPanel::stateDidChangeForSwitchIdentifier(NSString identifier) const {
+    [object(*this) stateDidChangeForSwitchIdentifier:object(identifier)];
+}
+
+}  // namespace quillet

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "platform/object.h"
+
+#include "platform/ios/foundation_classes.h"
+
+namespace quillet {
+
+Object::Object(const Object& other) noexcept : instance_{[object(other) retain]} {}
+
+Object& Object::operator=(const Object& other) noexcept {
+    // Retained first: `other` may be this reference.
+    const id instance = [object(other) retain];
+    [object(*this) release];
+    instance_ = instance;
+    return *this;
+}
+
+Object::~Object() { [object(*this) release]; }
+
+BOOL Object::respondsToSelector(const char* selector) const {
+    return [object(*this) respondsToSelector:sel_registerName(selector)];
+}
+
+BOOL Object::boolValue() const { return [object(*this) boolValue]; }
+
+float Object::floatValue() const { return [object(*this) floatValue]; }
+
+Class::Class(void* instance) noexcept : Object{[static_cast<id>(instance) retain]} {}
+
+void* NSObject::operator new(size_t size) { return calloc(1, size); }
+
+void NSObject::operator delete(void* storage) noexcept { free(storage); }
+
+NSObject::NSObject() = default;
+
+}  // namespace quillet
