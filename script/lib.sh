@@ -1,0 +1,117 @@
+# SPDX-License-Identifier: MIT
+# shellcheck shell=bash disable=SC2034
+#
+# What the scripts share. To be sourced; needs bash and nothing else. Everything that a script has to
+# say of its own goes to standard error.
+
+readonly buildPackages=(g++ cmake ninja-build)
+readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev)
+readonly iosPackages=(clang-14 lld-14 llvm-14)
+readonly deviceTestPackages=("${iosPackages[@]}" gobjc++ libgnustep-base-dev googletest
+    g++-aarch64-linux-gnu qemu-user)
+
+say() { printf '%s\n' "$*" >&2; }
+
+fail() {
+    say "$(basename "$0"): $*"
+    exit 1
+}
+
+# Runs a command, whose output is shown only when it fails, on standard error.
+quietly() {  # command…
+    local output status=0
+    output=$("$@" 2>&1) || status=$?
+    ((status == 0)) || say "$output"
+    return "$status"
+}
+
+asRoot() {  # command…
+    if ((EUID == 0)); then "$@"; else sudo "$@"; fi
+}
+
+# The Debian packages among the given that are not installed.
+missingPackages() {  # package…
+    local package
+    for package in "$@"; do
+        [[ $(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) == installed ]] ||
+            echo "$package"
+    done
+}
+
+# What a package of Debian is for, where there is no apt-get: the program that must be there.
+programOf() {  # package
+    case $1 in
+        ninja-build) echo ninja ;;
+        clang) echo clang++ ;;
+        llvm) echo llvm-symbolizer ;;
+        lld-14) echo ld64.lld-14 ;;
+        llvm-14) echo llvm-lipo-14 ;;
+        gobjc++) echo gcc ;;
+        g++-aarch64-linux-gnu) echo aarch64-linux-gnu-g++ ;;
+        qemu-user) echo qemu-aarch64 ;;
+        googletest) ;;
+        lib*) ;;  # no program: CMake and the compiler tell what they miss
+        *) echo "$1" ;;
+    esac
+}
+
+requirePrograms() {  # package…
+    local package program missing=()
+    for package in "$@"; do
+        program=$(programOf "$package")
+        [[ -z $program ]] || command -v "$program" >/dev/null || missing+=("$program")
+    done
+    ((${#missing[@]} == 0)) || fail "please install ${missing[*]}. Needed are g++ 12 or later," \
+        "CMake 3.25 or later, Ninja and, for the tests, GoogleTest with GoogleMock, libplist," \
+        "GNUstep's Foundation with gcc's Objective-C++, g++ for aarch64 with an emulator, and" \
+        "clang 14 with lld and llvm, which also build for devices; for all checks clang's tools" \
+        "and sanitizers, ShellCheck and gcovr."
+}
+
+# Sees to it that the programs and libraries of the given Debian packages are there: installs what
+# is missing on Debian and its kin, names it elsewhere.
+require() {  # package…
+    if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
+        requirePrograms "$@"
+        return
+    fi
+    local missing
+    mapfile -t missing < <(missingPackages "$@")
+    ((${#missing[@]})) || return 0
+    ((EUID == 0)) || command -v sudo >/dev/null ||
+        fail "please install as root: apt-get install ${missing[*]}"
+    say "Installing ${missing[*]}"
+    local -r wait=(-o DPkg::Lock::Timeout=300)
+    quietly asRoot apt-get "${wait[@]}" update -qq || fail "the package lists cannot be updated"
+    quietly asRoot env DEBIAN_FRONTEND=noninteractive apt-get "${wait[@]}" install -qq -y \
+        --no-install-recommends "${missing[@]}" || fail "the packages cannot be installed"
+}
+
+# Reads what a build prints: says that it builds when it does, and passes on all but progress.
+tellBuild() {  # folder
+    local line told=
+    while IFS= read -r line; do
+        if [[ -z $told && $line =~ ^\[[0-9/]+\]\ (Building|Linking) ]]; then
+            told=yes
+            say "Building $1"
+        fi
+        [[ $line =~ ^(\[[0-9/]+\]|--|ninja: no work)\  ]] || say "$line"
+    done
+}
+
+# Configures and builds one of the presets, in build/<preset>.
+buildPreset() {  # preset, [options of cmake --build…]
+    local -r folder=build/$1
+    if [[ ! $folder/build.ninja -nt CMakePresets.json ]] ||
+        ! grep -qFx "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$folder/CMakeCache.txt"; then
+        quietly cmake --preset "$1" --fresh || fail "$folder cannot be configured"
+    fi
+    cmake --build --preset "$1" "${@:2}" 2>&1 | tellBuild "$folder" || fail "$folder cannot be built"
+}
+
+# Runs the tests of a preset that is built. All that is printed is the runner's.
+runTests() {  # preset
+    local progress=()
+    [[ ! -t 1 ]] || progress=(--progress)
+    ctest --preset "$1" --parallel "$(nproc)" "${progress[@]}"
+}
