@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash disable=SC2034
 #
-# What the scripts share. To be sourced; needs bash and nothing else. Everything that a script has to
-# say of its own goes to standard error.
+# What the scripts share. To be sourced; needs bash and nothing else. Everything that a script has
+# to say of its own goes to standard error.
 
 readonly buildPackages=(g++ cmake ninja-build)
 readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev)
@@ -106,7 +106,8 @@ buildPreset() {  # preset, [options of cmake --build…]
         ! grep -qFx "CMAKE_HOME_DIRECTORY:INTERNAL=$PWD" "$folder/CMakeCache.txt"; then
         quietly cmake --preset "$1" --fresh || fail "$folder cannot be configured"
     fi
-    cmake --build --preset "$1" "${@:2}" 2>&1 | tellBuild "$folder" || fail "$folder cannot be built"
+    cmake --build --preset "$1" "${@:2}" 2>&1 | tellBuild "$folder" ||
+        fail "$folder cannot be built"
 }
 
 # Runs the tests of a preset that is built. All that is printed is the runner's.
