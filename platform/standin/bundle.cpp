@@ -14,13 +14,6 @@ namespace {
 
 constexpr char regionKey[] = "CFBundleDevelopmentRegion";
 
-std::optional<Dictionary> readDictionary(const std::filesystem::path& path) {
-    const auto bytes = readFile(path);
-    auto value = bytes ? readPropertyList(*bytes) : std::nullopt;
-    auto* const dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
-    return dictionary ? std::optional{std::move(*dictionary)} : std::nullopt;
-}
-
 std::string string(const Dictionary& dictionary, std::string_view key) {
     const Value* const value = dictionary.find(key);
     const auto* const string = value ? std::get_if<std::string>(value) : nullptr;

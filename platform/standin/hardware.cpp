@@ -51,12 +51,7 @@ bool Hardware::create(const std::filesystem::path& path) {
     return Hardware{path}.write({{mutedKey, false}, {volumesKey, Dictionary{{"Ringtone", 0.75}}}});
 }
 
-std::optional<Dictionary> Hardware::read() const {
-    const auto bytes = readFile(path_);
-    auto value = bytes ? readPropertyList(*bytes) : std::nullopt;
-    auto* const state = value ? std::get_if<Dictionary>(&*value) : nullptr;
-    return state ? std::optional{std::move(*state)} : std::nullopt;
-}
+std::optional<Dictionary> Hardware::read() const { return readDictionary(path_); }
 
 bool Hardware::write(Dictionary state) const {
     return writeFileAtomically(path_, writePropertyList(std::move(state)));

@@ -23,13 +23,10 @@ namespace {
 template <class Reference>
 Reference readDictionary(const char* receiver, const char* operation, const NSString& path) {
     Device& device = Device::current();
-    const auto bytes = standin::readFile(device.below(standin::text(path)));
-    auto value = bytes ? standin::readPropertyList(*bytes) : std::nullopt;
-    Reference dictionary;
-    if (value && std::holds_alternative<standin::Dictionary>(*value)) {
-        constexpr bool isMutable = std::is_same_v<Reference, NSMutableDictionary>;
-        dictionary = adopt<Reference>(new ValueInstance{std::move(*value), isMutable});
-    }
+    auto content = standin::readDictionary(device.below(standin::text(path)));
+    constexpr bool isMutable = std::is_same_v<Reference, NSMutableDictionary>;
+    const auto dictionary =
+        adopt<Reference>(content ? new ValueInstance{std::move(*content), isMutable} : nullptr);
     device.trace.answer(dictionary, receiver, operation, path);
     return dictionary;
 }

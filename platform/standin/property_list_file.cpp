@@ -87,6 +87,13 @@ std::optional<std::string> readFile(const std::filesystem::path& path) {
     }
 }
 
+std::optional<Dictionary> readDictionary(const std::filesystem::path& path) {
+    const auto bytes = readFile(path);
+    auto value = bytes ? readPropertyList(*bytes) : std::nullopt;
+    auto* const dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
+    return dictionary ? std::optional{std::move(*dictionary)} : std::nullopt;
+}
+
 bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
     std::string temporary = path.parent_path() / ".quillet-XXXXXX";
     Descriptor file{::mkostemp(temporary.data(), O_CLOEXEC)};

@@ -26,6 +26,9 @@ std::string writePropertyList(const Value& value);
 /// The bytes of the regular file at `path`; nothing when there is none or it cannot be read.
 std::optional<std::string> readFile(const std::filesystem::path& path);
 
+/// The dictionary in the file at `path`, in either form; nothing when there is none to be read.
+std::optional<Dictionary> readDictionary(const std::filesystem::path& path);
+
 /// Puts `bytes` in place of what is at `path`, by way of a temporary file beside it; the mode of a
 /// file that was there is kept. False when that fails; `path` then holds what it held, and no
 /// temporary file is left.

@@ -59,10 +59,7 @@ std::optional<std::string> Phone::bytes(std::string_view path) {
 }
 
 std::optional<Dictionary> Phone::dictionary(std::string_view path) {
-    const auto content = bytes(path);
-    const auto value = content ? standin::readPropertyList(*content) : std::nullopt;
-    const auto* const dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
-    return dictionary ? std::optional{*dictionary} : std::nullopt;
+    return standin::readDictionary(device_.below(path));
 }
 
 std::uint64_t Phone::stateWord() {
