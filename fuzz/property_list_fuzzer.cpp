@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/standin/property_list_file.h"
+#include "platform/standin/plist/property_list.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "platform/celestial.h"
 #include "platform/property_list.h"
 #include "platform/system.h"
-#include "prefs/PrefsLoader.h"
+#include "prefs/prefs_loader.h"
 
 namespace quillet {
 

@@ -5,8 +5,8 @@
 #include <fstream>
 #include <string>
 
-#include "platform/standin/data_source.h"
-#include "platform/standin/device.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/data_source.h"
 #include "springboard/options.h"
 
 namespace quillet {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/standin/host.h"
+#include "platform/standin/device/host_variant.h"
 
 namespace quillet {
 

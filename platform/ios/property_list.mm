@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/property_list.h"
 
-#include "platform/ios/foundation_classes.h"
+#include "platform/ios/objc_classes.h"
 
 namespace quillet {
 

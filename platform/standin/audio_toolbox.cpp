@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/audio_toolbox.h"
 
-#include "platform/standin/device.h"
+#include "platform/standin/device/device.h"
 
 namespace quillet {
 

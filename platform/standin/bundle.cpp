@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "platform/standin/bundle.h"
+#include "platform/standin/runtime/bundle_folder.h"
 
 #include <optional>
 
 #include "platform/bundle.h"
-#include "platform/standin/device.h"
-#include "platform/standin/property_list_file.h"
-#include "platform/standin/switch_framework.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/plist/property_list.h"
+#include "platform/standin/runtime/switch_framework.h"
 
 namespace quillet::standin {
 

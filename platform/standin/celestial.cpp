@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/celestial.h"
 
-#include "platform/standin/device.h"
-#include "platform/standin/instance.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/instance.h"
 
 namespace quillet {
 

@@ -3,9 +3,9 @@
 
 #include <filesystem>
 
-#include "platform/standin/data_source.h"
-#include "platform/standin/device.h"
-#include "platform/standin/instance.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/data_source.h"
+#include "platform/standin/runtime/instance.h"
 
 namespace quillet {
 

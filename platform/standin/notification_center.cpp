@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "platform/standin/notification_center.h"
+#include "platform/standin/notifications/observers.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "platform/standin/device.h"
-#include "platform/standin/instance.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/instance.h"
 
 namespace quillet::standin {
 

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/standin/device.h"
+#include "platform/standin/device/device.h"
 
 namespace quillet::standin {
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/standin/device.h"
-#include "platform/standin/instance.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/instance.h"
 
 namespace quillet {
 

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <utility>
 
-#include "platform/standin/device.h"
-#include "platform/standin/instance.h"
-#include "platform/standin/property_list_file.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/plist/property_list.h"
+#include "platform/standin/runtime/instance.h"
 
 namespace quillet {
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "platform/standin/run_loop.h"
+#include "platform/standin/device/event_loop.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "platform/run_loop.h"
-#include "platform/standin/device.h"
-#include "platform/standin/instance.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/instance.h"
 
 namespace quillet::standin {
 

@@ -8,7 +8,7 @@
 #include <system_error>
 
 #include "platform/graphics_services.h"
-#include "platform/standin/device.h"
+#include "platform/standin/device/device.h"
 
 namespace quillet {
 

@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "platform/standin/instance.h"
+#include "platform/standin/runtime/instance.h"
 #include "tests/support/phone.h"
 
 namespace quillet::test {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "platform/standin/device_root.h"
-#include "platform/standin/hardware.h"
+#include "platform/standin/device/hardware.h"
+#include "platform/standin/device/root.h"
 #include "tests/springboard/program.h"
 
 namespace quillet::test {

@@ -13,8 +13,8 @@
 #include <thread>
 #include <utility>
 
-#include "platform/standin/device_root.h"
-#include "platform/standin/property_list_file.h"
+#include "platform/standin/device/root.h"
+#include "platform/standin/plist/property_list.h"
 
 namespace quillet::test {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/standin/value.h"
+#include "platform/standin/plist/value.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/standin/property_list_file.h"
+#include "platform/standin/plist/property_list.h"
 #include "tests/springboard/program.h"
 
 namespace quillet::test {

@@ -10,7 +10,7 @@
 #include "platform/object.h"
 #include "platform/property_list.h"
 #include "platform/run_loop.h"
-#include "platform/springboard.h"
+#include "platform/springboard_classes.h"
 #include "tests/standin/on_a_device.h"
 
 namespace quillet::test {

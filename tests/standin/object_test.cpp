@@ -12,8 +12,8 @@
 
 #include "platform/property_list.h"
 #include "platform/run_loop.h"
-#include "platform/springboard.h"
-#include "platform/standin/value.h"
+#include "platform/springboard_classes.h"
+#include "platform/standin/plist/value.h"
 #include "tests/standin/on_a_device.h"
 #include "tests/support/phone.h"
 

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/standin/device.h"
-#include "platform/standin/instance.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/instance.h"
 #include "tests/support/calls.h"
 #include "tests/support/temporary_folder.h"
 

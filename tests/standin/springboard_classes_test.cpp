@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/springboard.h"
+#include "platform/springboard_classes.h"
 #include "tests/standin/on_a_device.h"
 
 namespace quillet::test {

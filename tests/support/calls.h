@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/standin/trace.h"
+#include "platform/standin/device/trace.h"
 
 namespace quillet::test {
 

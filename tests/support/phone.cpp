@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/standin/instance.h"
-#include "platform/standin/property_list_file.h"
+#include "platform/standin/plist/property_list.h"
+#include "platform/standin/runtime/instance.h"
 #include "tests/support/under_test.h"
 
 namespace quillet::test {

@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "platform/standin/data_source.h"
-#include "platform/standin/device.h"
-#include "platform/standin/value.h"
-#include "prefs/PrefsLoader.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/plist/value.h"
+#include "platform/standin/runtime/data_source.h"
+#include "prefs/prefs_loader.h"
 #include "tests/support/calls.h"
 #include "tests/support/temporary_folder.h"
 

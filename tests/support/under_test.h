@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "platform/standin/module.h"
+#include "platform/standin/runtime/module.h"
 
 namespace quillet::test {
 

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "platform/standin/plist/utf8.h"
+
+#include <cstddef>
+#include <cstring>
+#include <initializer_list>
+
+namespace quillet::standin {
+namespace {
+
+constexpr std::uint32_t lastCodePoint = 0x10FFFF;
+
+bool isSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
+bool isHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool isLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+std::uint32_t byteAt(std::string_view bytes, std::size_t index) {
+    return static_cast<unsigned char>(bytes[index]);
+}
+
+std::size_t asciiPrefix(std::string_view bytes) {
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    std::size_t length = 0;
+    for (std::uint64_t word = 0; bytes.size() - length >= sizeof word; length += sizeof word) {
+        std::memcpy(&word, bytes.data() + length, sizeof word);
+        if ((word & highBits) != 0) break;
+    }
+    while (length < bytes.size() && byteAt(bytes, length) < 0x80) ++length;
+    return length;
+}
+
+/// Bytes of the character beyond ASCII that `bytes`, not empty, begin with; 0 when it is malformed.
+std::size_t sequenceLength(std::string_view bytes) {
+    const std::uint32_t lead = byteAt(bytes, 0);
+    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC0 || lead > 0xF7 || bytes.size() < length) return 0;
+    std::uint32_t codePoint = lead & (0x7FU >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byteAt(bytes, i) & 0xC0U) != 0x80) return 0;
+        codePoint = codePoint << 6 | (byteAt(bytes, i) & 0x3FU);
+    }
+    const std::uint32_t least = length == 4 ? 0x10000 : length == 3 ? 0x800 : 0x80;
+    return codePoint < least || codePoint > lastCodePoint || isSurrogate(codePoint) ? 0 : length;
+}
+
+void appendBytes(std::string& text, std::initializer_list<std::uint32_t> bytes) {
+    for (const std::uint32_t byte : bytes) text.push_back(static_cast<char>(byte));
+}
+
+}  // namespace
+
+bool isUTF8(std::string_view bytes) {
+    for (;;) {
+        bytes.remove_prefix(asciiPrefix(bytes));
+        if (bytes.empty()) return true;
+        const std::size_t length = sequenceLength(bytes);
+        if (length == 0) return false;
+        bytes.remove_prefix(length);
+    }
+}
+
+bool appendUTF8(std::string& text, std::uint32_t codePoint) {
+    if (codePoint > lastCodePoint || isSurrogate(codePoint)) return false;
+    const auto continuation = [=](int shift) { return 0x80U | (codePoint >> shift & 0x3FU); };
+    if (codePoint < 0x80) {
+        appendBytes(text, {codePoint});
+    } else if (codePoint < 0x800) {
+        appendBytes(text, {0xC0U | codePoint >> 6, continuation(0)});
+    } else if (codePoint < 0x10000) {
+        appendBytes(text, {0xE0U | codePoint >> 12, continuation(6), continuation(0)});
+    } else {
+        appendBytes(text,
+                    {0xF0U | codePoint >> 18, continuation(12), continuation(6), continuation(0)});
+    }
+    return true;
+}
+
+bool appendUTF16BigEndian(std::string& text, std::string_view bytes) {
+    const auto unitAt = [=](std::size_t index) {
+        return byteAt(bytes, index) << 8 | byteAt(bytes, index + 1);
+    };
+    if (bytes.size() % 2 != 0) return false;
+    for (std::size_t i = 0; i < bytes.size(); i += 2) {
+        std::uint32_t codePoint = unitAt(i);
+        if (isHighSurrogate(codePoint) && i + 2 < bytes.size() && isLowSurrogate(unitAt(i + 2))) {
+            codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + (unitAt(i + 2) - 0xDC00);
+            i += 2;
+        }
+        if (!appendUTF8(text, codePoint)) return false;
+    }
+    return true;
+}
+
+}  // namespace quillet::standin

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+
+#include "platform/object.h"
+#include "platform/property_list.h"
+#include "platform/standin/plist/value.h"
+
+namespace quillet::standin {
+
+/// What a reference refers to on this platform: an object or a class, counted.
+class Instance {
+public:
+    Instance();
+    Instance(const Instance&) = delete;
+    Instance& operator=(const Instance&) = delete;
+    virtual ~Instance();
+
+    /// As it stands in a trace: "SBMediaController" for a class, "<SBMediaController>" for an
+    /// instance of it.
+    virtual std::string description() const = 0;
+    virtual bool respondsToSelector(std::string_view /*selector*/) const { return false; }
+    /// Null for what is no property-list value. Owned by the instance.
+    virtual const Value* propertyListValue() const { return nullptr; }
+
+    void retain() { ++count_; }
+    void release();
+
+    /// How many instances there are in the process.
+    static int live();
+
+private:
+    int count_ = 1;
+};
+
+/// A property-list value: string, number, dictionary and so on.
+class ValueInstance final : public Instance {
+public:
+    /// `mutableDictionary` changes only how a dictionary is described.
+    explicit ValueInstance(Value value, bool mutableDictionary = false)
+        : value{std::move(value)}, mutableDictionary_{mutableDictionary} {}
+
+    std::string description() const override;
+    const Value* propertyListValue() const override { return &value; }
+    /// The name of its class, for example "NSNumber".
+    std::string kind() const;
+
+    Value value;
+
+private:
+    bool mutableDictionary_;
+};
+
+/// One of the platform's shared objects, which exist once.
+class SharedInstance final : public Instance {
+public:
+    explicit SharedInstance(std::string description) : description_{std::move(description)} {}
+
+    std::string description() const override { return description_; }
+
+private:
+    std::string description_;
+};
+
+/// The word that a reference holds for `instance`.
+inline void* word(Instance& instance) { return &instance; }
+
+/// The instance that a word stands for.
+inline Instance* instanceOf(const void* word) {
+    return static_cast<Instance*>(const_cast<void*>(word));
+}
+
+/// A reference that takes over one count of `instance`; nil for a null pointer.
+template <class Reference>
+Reference adopt(Instance* instance) {
+    struct Adopting : Reference {
+        explicit Adopting(void* word) : Reference{word} {}
+    };
+    return Adopting{instance == nullptr ? nullptr : word(*instance)};
+}
+
+/// A reference with a count of its own; nil for a null pointer.
+template <class Reference>
+Reference share(Instance* instance) {
+    if (instance != nullptr) instance->retain();
+    return adopt<Reference>(instance);
+}
+
+/// The nil rule, in its one place: `body` runs with the receiver's instance, or not at all when
+/// the receiver is nil, and the answer is then NO, zero or nil.
+template <class Kind = Instance, class Body>
+auto send(const Object& receiver, Body body) {
+    using Answer = std::invoke_result_t<Body, Kind&>;
+    auto* const instance = static_cast<Kind*>(instanceOf(receiver.instance()));
+    if constexpr (std::is_void_v<Answer>) {
+        if (instance != nullptr) body(*instance);
+    } else {
+        return instance != nullptr ? body(*instance) : Answer{};
+    }
+}
+
+/// The characters of `string`, valid as long as it is; empty for nil.
+std::string_view text(const Object& string);
+std::string_view text(const void* string);
+
+/// A string for the bundle.
+NSString makeString(std::string_view text);
+
+}  // namespace quillet::standin

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: MIT
+#include "platform/springboard_classes.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/instance.h"
+
+namespace quillet {
+
+using standin::Device;
+using standin::Host;
+using standin::Instance;
+using standin::send;
+
+namespace {
+
+constexpr char indicatorName[] = "SBRingerHUDController";
+constexpr char mediaName[] = "SBMediaController";
+constexpr char activateSelector[] = "activate:";
+constexpr char muteSelector[] = "setRingerMuted:";
+constexpr char sharedInstanceSelector[] = "sharedInstance";
+
+/// A class of the host or an instance of one, and what it responds to.
+class HostObject final : public Instance {
+public:
+    HostObject(std::string description, std::vector<std::string> selectors)
+        : description_{std::move(description)}, selectors_{std::move(selectors)} {}
+
+    std::string description() const override { return description_; }
+
+    bool respondsToSelector(std::string_view selector) const override {
+        return std::ranges::find(selectors_, selector) != selectors_.end();
+    }
+
+private:
+    std::string description_;
+    std::vector<std::string> selectors_;
+};
+
+/// A class of the host, nil when it has none by that name.
+template <class Reference>
+Reference lookUp(const char* name, bool isPresent, std::vector<std::string> selectors) {
+    const auto cls =
+        standin::adopt<Reference>(isPresent ? new HostObject{name, std::move(selectors)} : nullptr);
+    Device::current().trace.answer(cls, "", "NSClassFromString", name);
+    return cls;
+}
+
+/// The one instance of a class, nil when it has none.
+template <class Reference>
+Reference instanceOf(const Instance& cls, bool isPresent, std::vector<std::string> selectors) {
+    const auto instance = standin::adopt<Reference>(
+        isPresent ? new HostObject{"<" + cls.description() + ">", std::move(selectors)} : nullptr);
+    Device::current().trace.answer(instance, cls.description(), sharedInstanceSelector);
+    return instance;
+}
+
+}  // namespace
+
+SBRingerHUDController SBRingerHUDController::classInHost() {
+    const Host::Indicator indicator = Device::current().host.indicator;
+    std::vector<std::string> selectors = {sharedInstanceSelector};
+    if (indicator == Host::Indicator::atClass) selectors.emplace_back(activateSelector);
+    return lookUp<SBRingerHUDController>(indicatorName, indicator != Host::Indicator::absent,
+                                         std::move(selectors));
+}
+
+SBRingerHUDController SBRingerHUDController::sharedInstance() const {
+    return send(*this, [](const Instance& cls) {
+        const Host::Indicator indicator = Device::current().host.indicator;
+        std::vector<std::string> selectors;
+        if (indicator == Host::Indicator::atInstance) selectors.emplace_back(activateSelector);
+        return instanceOf<SBRingerHUDController>(cls, indicator != Host::Indicator::noInstance,
+                                                 std::move(selectors));
+    });
+}
+
+void SBRingerHUDController::activate(int state) const {
+    send(*this, [&](const Instance& receiver) {
+        if (!receiver.respondsToSelector(activateSelector)) return;
+        Device::current().trace.call(receiver.description(), activateSelector, state);
+    });
+}
+
+SBMediaController SBMediaController::classInHost() {
+    const bool isPresent = Device::current().host.media != Host::Media::absent;
+    return lookUp<SBMediaController>(mediaName, isPresent, {sharedInstanceSelector});
+}
+
+SBMediaController SBMediaController::sharedInstance() const {
+    return send(*this, [](const Instance& cls) {
+        const Host::Media media = Device::current().host.media;
+        std::vector<std::string> selectors;
+        if (media == Host::Media::present) selectors.emplace_back(muteSelector);
+        return instanceOf<SBMediaController>(cls, media != Host::Media::noInstance,
+                                             std::move(selectors));
+    });
+}
+
+void SBMediaController::setRingerMuted(BOOL muted) const {
+    send(*this, [&](const Instance& receiver) {
+        if (!receiver.respondsToSelector(muteSelector)) return;
+        Device& device = Device::current();
+        device.trace.call(receiver.description(), muteSelector, muted != NO);
+        device.hardware.setRingerMuted(muted != NO);
+    });
+}
+
+}  // namespace quillet

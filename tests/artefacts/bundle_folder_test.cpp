@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "platform/standin/plist/property_list.h"
+#include "tests/springboard/program.h"
+
+namespace quillet::test {
+namespace {
+
+namespace fs = std::filesystem;
+using standin::Dictionary;
+using standin::Value;
+using ::testing::HasSubstr;
+using ::testing::IsSupersetOf;
+using ::testing::Not;
+using ::testing::UnorderedElementsAre;
+
+const fs::path bundle = QUILLET_BUNDLE;
+const fs::path module = bundle / "Quillet";
+
+/// What a command of the system prints about the module.
+std::string printed(const std::string& command) {
+    const auto close = [](std::FILE* pipe) { EXPECT_EQ(pclose(pipe), 0); };
+    const std::string line = command + " '" + module.string() + "'";
+    const std::unique_ptr<std::FILE, decltype(close)> pipe{popen(line.c_str(), "r"), close};
+    std::string text;
+    std::array<char, 4096> chunk;
+    while (const std::size_t size = std::fread(chunk.data(), 1, chunk.size(), pipe.get())) {
+        text.append(chunk.data(), size);
+    }
+    return text;
+}
+
+/// Names that sanitizers and coverage put into every module that is built with them.
+bool isInstrumentation(const std::string& symbol) {
+    for (const char* const prefix :
+         {"__asan_", "__odr_asan", "___asan_", "__tsan_", "__ubsan_", "__gcov_", "mangle_path",
+          "__llvm_", "__sanitizer_", "__start___sancov", "__stop___sancov"}) {
+        if (symbol.starts_with(prefix)) return true;
+    }
+    return false;
+}
+
+/// Whether the module calls a sanitizer, which brings types and libraries of its own.
+bool isSanitized() {
+    const std::string undefined = printed("nm -D --undefined-only");
+    return std::ranges::any_of(std::array{"__asan_", "__tsan_", "__ubsan_"}, [&](const char* name) {
+        return undefined.find(name) != std::string::npos;
+    });
+}
+
+/// The words in that column of what nm prints, but for instrumentation.
+Words symbolsIn(const std::string& table, int column) {
+    Words symbols;
+    for (const std::string& line : linesOf(table)) {
+        std::istringstream words{line};
+        std::string word;
+        for (int i = 0; i <= column; ++i) words >> word;
+        if (!isInstrumentation(word)) symbols.push_back(word);
+    }
+    return symbols;
+}
+
+Dictionary dictionaryIn(const fs::path& file) {
+    return std::get<Dictionary>(standin::readPropertyList(readText(file)).value());
+}
+
+std::string stringIn(const Dictionary& dictionary, const char* key) {
+    const Value* const value = dictionary.find(key);
+    const auto* const string = value != nullptr ? std::get_if<std::string>(value) : nullptr;
+    return string != nullptr ? *string : "(none)";
+}
+
+TEST(Module, ExportsItsTenNamesAndNothingElse) {
+    Words symbols = symbolsIn(printed("nm -D --defined-only"), 2);
+    if (isSanitized()) {
+        // What one of them knows the functions by.
+        std::erase_if(symbols, [](const std::string& name) { return name.starts_with("_ZT"); });
+    }
+    EXPECT_THAT(symbols, UnorderedElementsAre("turnSpringBoardVibrationOff",
+                                              "restoreSpringBoardVibration", "updatePref",
+                                              "notifyDarwinCenter", "isiPod", "turnRingerVolumeOff",
+                                              "restoreRingerVolume", "GLOBAL_vibrateWhenRinging",
+                                              "GLOBAL_vibrateWhenSilent", "_prefsLoader"));
+}
+
+TEST(Module, NeedsNoRuntimeLibraryOfTheLanguage) {
+    if (isSanitized()) GTEST_SKIP() << "a sanitizer needs it";
+    const std::string needed = printed("readelf -dW");
+    EXPECT_THAT(needed, HasSubstr("(NEEDED)"));
+    for (const char* const library : {"libstdc++", "libc++", "libsupc++"}) {
+        EXPECT_THAT(needed, Not(HasSubstr(library)));
+    }
+}
+
+TEST(Module, FindsItsPlatformBesideTheBundle) {
+    const std::string table = printed("readelf -dW");
+    EXPECT_THAT(table, HasSubstr("[libplatform.so]"));
+    EXPECT_THAT(table, HasSubstr("$ORIGIN/.."));
+}
+
+TEST(Module, TakesTheSystemsFunctionsFromTheDevice) {
+    const Words undefined = symbolsIn(printed("nm -D --undefined-only"), 1);
+    EXPECT_THAT(undefined, IsSupersetOf({"__wrap_uname", "__wrap_strstr", "__wrap_dlopen",
+                                         "__wrap_dlsym", "__wrap_dlclose"}));
+    for (const std::string& symbol : undefined) {
+        const std::string name = symbol.substr(0, symbol.find('@'));
+        for (const char* const linux : {"uname", "strstr", "dlopen", "dlsym", "dlclose"}) {
+            EXPECT_NE(name, linux);
+        }
+    }
+}
+
+TEST(BundleFolder, ItsPropertyListNamesTheSwitchItsClassAndItsModule) {
+    const Dictionary info = dictionaryIn(bundle / "Info.plist");
+    EXPECT_EQ(stringIn(info, "CFBundleIdentifier"), "com.velk.switch.ringer");
+    EXPECT_EQ(stringIn(info, "NSPrincipalClass"), "RingerSwitch");
+    EXPECT_EQ(stringIn(info, "CFBundleExecutable"), "Quillet");
+    EXPECT_EQ(stringIn(info, "CFBundleDisplayName"), "Ringer");
+    EXPECT_EQ(stringIn(info, "CFBundleDevelopmentRegion"), "en");
+    EXPECT_EQ(stringIn(info, "CFBundlePackageType"), "BNDL");
+    EXPECT_TRUE(fs::is_regular_file(bundle / stringIn(info, "CFBundleExecutable")));
+}
+
+TEST(BundleFolder, HasItsTitleInEnglish) {
+    const Dictionary strings = dictionaryIn(bundle / "en.lproj/InfoPlist.strings");
+    EXPECT_EQ(stringIn(strings, "CFBundleDisplayName"), "Ringer");
+}
+
+TEST(BundleFolder, HasADrawingForOnAndAnotherForOff) {
+    const std::string on = readText(bundle / "glyph-on.pdf");
+    const std::string off = readText(bundle / "glyph-off.pdf");
+    for (const std::string& drawing : {on, off}) {
+        EXPECT_TRUE(drawing.starts_with("%PDF-"));
+        EXPECT_THAT(drawing.substr(drawing.size() - std::min<std::size_t>(drawing.size(), 8)),
+                    HasSubstr("%%EOF"));
+    }
+    EXPECT_NE(on, off);
+}
+
+TEST(BundleFolder, HoldsNothingElse) {
+    Words files;
+    for (const auto& entry : fs::recursive_directory_iterator{bundle}) {
+        files.push_back(fs::relative(entry.path(), bundle));
+    }
+    EXPECT_THAT(
+        files, UnorderedElementsAre("Info.plist", "Quillet", "en.lproj",
+                                    "en.lproj/InfoPlist.strings", "glyph-on.pdf", "glyph-off.pdf"));
+}
+
+}  // namespace
+}  // namespace quillet::test

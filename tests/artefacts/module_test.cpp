@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+//
+// What the built modules say of themselves, as the tools that read Mach-O files tell it.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/artefacts/built.h"
+
+namespace quillet::test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::UnorderedElementsAre;
+using ::testing::UnorderedElementsAreArray;
+
+const std::vector<std::string> face = {
+    "_GLOBAL_vibrateWhenRinging",
+    "_GLOBAL_vibrateWhenSilent",
+    "_OBJC_CLASS_$_RingerSwitch",
+    "_OBJC_METACLASS_$_RingerSwitch",
+    "__prefsLoader",
+    "_isiPod",
+    "_notifyDarwinCenter",
+    "_restoreRingerVolume",
+    "_restoreSpringBoardVibration",
+    "_turnRingerVolumeOff",
+    "_turnSpringBoardVibrationOff",
+    "_updatePref",
+};
+
+/// The last word of each line.
+std::vector<std::string> lastWords(std::vector<std::string> lines) {
+    for (std::string& line : lines) line.erase(0, line.find_last_of(' ') + 1);
+    return lines;
+}
+
+/// Each test sees the modules of both architectures.
+class Module : public testing::TestWithParam<std::string> {
+protected:
+    static std::string objdump(const std::string& options) {
+        return textOf("llvm-objdump-14 --macho " + options + " " + builtModule(GetParam()));
+    }
+
+    static std::string names(const std::string& options) {
+        return textOf("llvm-nm-14 --format=just-symbols " + options + " " +
+                      builtModule(GetParam()));
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Built, Module, testing::Values("arm64", "x86_64"),
+                         [](const auto& instance) { return instance.param; });
+
+TEST_P(Module, IsABundleOfItsArchitectureWhoseImportsNameTheirLibraries) {
+    const std::string header = objdump("--private-header");
+    EXPECT_THAT(column(header, 4), Contains("BUNDLE"));
+    EXPECT_THAT(column(header, 1), Contains(GetParam() == "arm64" ? "ARM64" : "X86_64"));
+    EXPECT_THAT(header, HasSubstr("TWOLEVEL"));
+}
+
+TEST_P(Module, RunsOnSystemsFrom7_0) {
+    const std::string commands = objdump("--private-headers");
+    EXPECT_THAT(commands, HasSubstr("cmd LC_VERSION_MIN_IPHONEOS\n  cmdsize 16\n  version 7.0\n"));
+    EXPECT_THAT(commands, Not(HasSubstr("LC_BUILD_VERSION")));
+}
+
+// A library that is older than a module asks for is refused. The switch framework's has no version.
+TEST_P(Module, LoadsExactlyTheLibrariesOfThePlatformInTheirFirstVersionsAndCelestialIfItIsThere) {
+    EXPECT_THAT(
+        linesWith(objdump("--dylibs-used"), "compatibility"),
+        UnorderedElementsAre(
+            "/System/Library/Frameworks/AudioToolbox.framework/AudioToolbox"
+            " (compatibility version 1.0.0, current version 1.0.0)",
+            "/System/Library/Frameworks/CoreFoundation.framework/CoreFoundation"
+            " (compatibility version 1.0.0, current version 1.0.0)",
+            "/System/Library/Frameworks/Foundation.framework/Foundation"
+            " (compatibility version 1.0.0, current version 1.0.0)",
+            "/System/Library/PrivateFrameworks/Celestial.framework/Celestial"
+            " (compatibility version 1.0.0, current version 1.0.0, weak)",
+            "/System/Library/PrivateFrameworks/GraphicsServices.framework/GraphicsServices"
+            " (compatibility version 1.0.0, current version 1.0.0)",
+            "/usr/lib/libSystem.B.dylib (compatibility version 1.0.0, current version 1.0.0)",
+            "/usr/lib/libflipswitch.dylib (compatibility version 0.0.0, current version 1.0.0)",
+            "/usr/lib/libobjc.A.dylib (compatibility version 1.0.0, current version 1.0.0)"));
+}
+
+TEST_P(Module, ExportsItsFaceAndNothingElse) {
+    EXPECT_THAT(lastWords(linesWith(objdump("--exports-trie"), "0x")),
+                UnorderedElementsAreArray(face));
+}
+
+TEST_P(Module, KeepsNoNameOfItsInside) {
+    EXPECT_THAT(column(names("--defined-only"), 0), UnorderedElementsAreArray(face));
+}
+
+TEST_P(Module, NeedsNothingOfTheCppRuntime) {
+    const std::vector<std::string> imports = column(names("--undefined-only"), 0);
+    EXPECT_FALSE(imports.empty());
+    EXPECT_THAT(imports, Each(Not(HasSubstr("__Z"))));
+    EXPECT_THAT(imports, Each(Not(HasSubstr("__cxa"))));
+    EXPECT_THAT(imports, Each(Not(HasSubstr("personality"))));
+    EXPECT_THAT(imports, Each(Not(HasSubstr("_Unwind"))));
+}
+
+TEST_P(Module, LetsAnExceptionOfTheHostPassThrough) {
+    EXPECT_THAT(objdump("--unwind-info"),
+                HasSubstr("Number of personality functions in array:  0x0"));
+    EXPECT_THAT(objdump("--private-headers"), HasSubstr("sectname __unwind_info"));
+}
+
+TEST_P(Module, BindsTheClassesThatItSendsMessagesToAndNoneOfSpringBoards) {
+    EXPECT_THAT(
+        lastWords(linesWith(objdump("--section=__DATA,__objc_classrefs --bind"),
+                            "__objc_classrefs   0x")),
+        UnorderedElementsAre("_OBJC_CLASS_$_FSSwitchPanel", "_OBJC_CLASS_$_NSBundle",
+                             "_OBJC_CLASS_$_NSDate", "_OBJC_CLASS_$_NSDictionary",
+                             "_OBJC_CLASS_$_NSFileManager", "_OBJC_CLASS_$_NSMutableDictionary",
+                             "_OBJC_CLASS_$_NSNumber", "_OBJC_CLASS_$_NSRunLoop",
+                             "_OBJC_CLASS_$_NSString", "_OBJC_CLASS_$_NSThread", "(weak_import)"));
+}
+
+TEST_P(Module, DefinesTheOneClassRingerSwitch) {
+    const std::string metadata = objdump("--objc-meta-data");
+    EXPECT_THAT(lastWords(linesWith(metadata, "superclass")),
+                ElementsAre("_OBJC_CLASS_$_NSObject", "_OBJC_METACLASS_$_NSObject"));
+    EXPECT_THAT(lastWords(linesWith(metadata, "instanceSize")), ElementsAre("8", "40"));
+    EXPECT_THAT(linesWith(metadata, "ivars 0x"), ElementsAre("ivars 0x0", "ivars 0x0"));
+    // The class, its protocol, its methods; then the same for the class-level side.
+    EXPECT_THAT(
+        lastWords(linesWith(metadata, "name 0x")),
+        ElementsAre("RingerSwitch", "stateForSwitchIdentifier:", "applyState:forSwitchIdentifier:",
+                    "FSSwitchDataSource", "RingerSwitch", "load", "FSSwitchDataSource"));
+}
+
+TEST_P(Module, TakesAndAnswersSwitchStatesAs32BitIntegers) {
+    EXPECT_THAT(lastWords(linesWith(objdump("--objc-meta-data"), "types 0x")),
+                ElementsAre("i24@0:8@16", "v28@0:8i16@20", "v16@0:8"));
+}
+
+// Runtimes before system 10 look for the lists in __DATA only.
+TEST_P(Module, ListsItsClassAsOneWhoseLoadMustRun) {
+    const auto entries = [](const std::string& section) {
+        std::vector<std::string> lines = linesWith(objdump("--section=__DATA," + section), "\t");
+        for (std::string& line : lines) line.erase(0, line.find('\t'));
+        return lines;
+    };
+    EXPECT_EQ(entries("__objc_classlist").size(), 1U);
+    EXPECT_EQ(entries("__objc_nlclslist"), entries("__objc_classlist"));
+}
+
+TEST_P(Module, IsUnder100KB) {
+    EXPECT_LT(std::filesystem::file_size(builtModule(GetParam())), 100'000U);
+}
+
+TEST(UniversalModule, HoldsTheModulesOfBothArchitecturesUnchanged) {
+    const std::string both = builtModule("");
+    for (const std::string architecture : {"arm64", "x86_64"}) {
+        const std::string slice = builtFolder() + "/slice";
+        textOf("llvm-lipo-14 " + both + " -thin " + architecture + " -output " + slice);
+        EXPECT_EQ(run("cmp " + slice + " " + builtModule(architecture)).status, 0) << architecture;
+    }
+    EXPECT_THAT(textOf("llvm-lipo-14 -archs " + both), HasSubstr("x86_64 arm64"));
+}
+
+}  // namespace
+}  // namespace quillet::test

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "prefs/prefs_loader.h"
+#include "tests/support/phone.h"
+#include "tests/support/under_test.h"
+
+namespace quillet::test {
+namespace {
+
+/// The shared preferences of the module that is loaded or being loaded; null when there are none.
+PrefsLoader* sharedPreferences() {
+    const auto path = bundleUnderTest() / "Quillet";
+    void* const module = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (module == nullptr) return nullptr;
+    auto* const preferences = static_cast<PrefsLoader**>(dlsym(module, "_prefsLoader"));
+    PrefsLoader* const answer = *preferences;
+    dlclose(module);
+    return answer;
+}
+
+TEST(Loading, StoresThePreferencesBeforeItObserves) {
+    const TemporaryFolder folder;
+    standin::Device device{{.root = folder.path() / "root"}};
+    std::vector<std::pair<std::string, bool>> stored;
+    device.trace.setSink([&](const standin::TraceRecord& record) {
+        stored.emplace_back(record.operation, sharedPreferences() != nullptr);
+    });
+    device.framework.load(bundleUnderTest());
+    const std::vector<std::pair<std::string, bool>> expected = {
+        {"init", false},
+        {"CFNotificationCenterGetDarwinNotifyCenter", true},
+        {"CFNotificationCenterAddObserver", true},
+    };
+    EXPECT_EQ(stored, expected);
+}
+
+}  // namespace
+}  // namespace quillet::test

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+#include "platform/celestial.h"
+#include "platform/flipswitch.h"
+#include "platform/springboard_classes.h"
+#include "tests/platforms/gnustep/values.h"
+
+// The classes of the device that Foundation lacks. Each hands its messages to the stand-in's
+// object of the same name, which does what is asked and records it.
+
+using quillet::gnustep::standinString;
+using quillet::standin::Device;
+using quillet::standin::Host;
+
+namespace {
+
+quillet::FSSwitchPanel panel;
+quillet::AVSystemController volumes;
+quillet::SBRingerHUDController indicatorClass;
+quillet::SBRingerHUDController indicator;
+quillet::SBMediaController mediaClass;
+quillet::SBMediaController media;
+
+}  // namespace
+
+@interface FSSwitchPanel : NSObject
+@end
+
+@implementation FSSwitchPanel
+
++ (id)sharedPanel {
+    static FSSwitchPanel* const instance = [[FSSwitchPanel alloc] init];
+    panel = quillet::FSSwitchPanel::sharedPanel();
+    return instance;
+}
+
+- (void)stateDidChangeForSwitchIdentifier:(NSString*)identifier {
+    panel.stateDidChangeForSwitchIdentifier(standinString(identifier));
+}
+
+@end
+
+@interface AVSystemController : NSObject
+@end
+
+@implementation AVSystemController
+
++ (id)sharedAVSystemController {
+    static AVSystemController* const instance = [[AVSystemController alloc] init];
+    volumes = quillet::AVSystemController::sharedAVSystemController();
+    return instance;
+}
+
+- (BOOL)getVolume:(float*)volume forCategory:(NSString*)category {
+    return volumes.getVolume(volume, standinString(category));
+}
+
+- (BOOL)setVolumeTo:(float)volume forCategory:(NSString*)category {
+    return volumes.setVolumeTo(volume, standinString(category));
+}
+
+@end
+
+// SpringBoard's classes in their variants, which the trace knows by the name that they share. What
+// a variant lacks it does not respond to, and raises an exception when it is sent it.
+
+@interface SBRingerHUDController : NSObject
+@end
+
+@implementation SBRingerHUDController
+
++ (id)sharedInstance {
+    indicator = indicatorClass.sharedInstance();
+    return indicator ? [[[self alloc] init] autorelease] : nil;
+}
+
+@end
+
+@interface QuilletIndicatorAtClass : SBRingerHUDController
+@end
+
+@implementation QuilletIndicatorAtClass
+
++ (void)activate:(int)state {
+    indicatorClass.activate(state);
+}
+
+@end
+
+@interface QuilletIndicatorAtInstance : SBRingerHUDController
+@end
+
+@implementation QuilletIndicatorAtInstance
+
+- (void)activate:(int)state {
+    indicator.activate(state);
+}
+
+@end
+
+@interface SBMediaController : NSObject
+@end
+
+@implementation SBMediaController
+
++ (id)sharedInstance {
+    media = mediaClass.sharedInstance();
+    return media ? [[[self alloc] init] autorelease] : nil;
+}
+
+@end
+
+@interface QuilletMutingController : SBMediaController
+@end
+
+@implementation QuilletMutingController
+
+- (void)setRingerMuted:(BOOL)muted {
+    media.setRingerMuted(muted);
+}
+
+@end
+
+namespace quillet::gnustep {
+
+namespace {
+
+::Class indicatorVariant() {
+    switch (Device::current().host.indicator) {
+        case Host::Indicator::atClass:
+            return [QuilletIndicatorAtClass class];
+        case Host::Indicator::atInstance:
+            return [QuilletIndicatorAtInstance class];
+        default:
+            return [::SBRingerHUDController class];
+    }
+}
+
+::Class mediaVariant() {
+    return Device::current().host.media == Host::Media::present ? [QuilletMutingController class]
+                                                                : [::SBMediaController class];
+}
+
+}  // namespace
+
+/// The bundle's calls of NSClassFromString arrive here; see --wrap in ld(1).
+extern "C" ::Class __wrap_NSClassFromString(::NSString* name) {
+    if ([name isEqualToString:@"SBRingerHUDController"]) {
+        indicatorClass = SBRingerHUDController::classInHost();
+        return indicatorClass ? indicatorVariant() : nil;
+    }
+    if ([name isEqualToString:@"SBMediaController"]) {
+        mediaClass = SBMediaController::classInHost();
+        return mediaClass ? mediaVariant() : nil;
+    }
+    const ::Class cls = NSClassFromString(name);
+    Device::current().trace.answer(traced(cls), "", "NSClassFromString", traced(name));
+    return cls;
+}
+
+}  // namespace quillet::gnustep

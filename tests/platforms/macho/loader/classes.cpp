@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+#include "tests/platforms/macho/loader/classes.h"
+
+#include <algorithm>
+
+#include "platform/standin/runtime/bundle_folder.h"
+
+namespace quillet::macho {
+
+namespace {
+
+constexpr std::uint32_t largestInstance = 0x10000;
+
+// The metadata's records, as they lie in the module's memory.
+
+struct ClassObject {
+    /// In the lowest bits of `data`: marks of another language's classes.
+    static constexpr std::uintptr_t dataMarks = 7;
+
+    const void* metaclass;
+    const void* superclass;
+    const void* cache;
+    const void* reserved;
+    std::uintptr_t data;
+};
+
+struct ClassData {
+    std::uint32_t flags, instanceStart, instanceSize, reserved;
+    const void* instanceLayout;
+    const void* name;
+    const void* methods;
+};
+
+struct MethodList {
+    /// The record's size; bits beside it mark other forms of the list.
+    std::uint32_t entrySize;
+    std::uint32_t count;
+};
+
+struct MethodRecord {
+    const void* selector;
+    const void* types;
+    const void* code;
+};
+
+/// "v28@0:8i16@20" with the places, which differ between processors, left out.
+std::string withoutPlaces(std::string types) {
+    std::erase_if(types, [](char c) { return c >= '0' && c <= '9'; });
+    return types;
+}
+
+std::vector<Method> readMethods(const Image& image, const void* place) {
+    std::vector<Method> methods;
+    if (place == nullptr) return methods;
+    const auto list = image.value<MethodList>(place);
+    if (list.entrySize != sizeof(MethodRecord)) {
+        throw standin::BundleError("not supported: method lists of another form");
+    }
+    const void* const first = static_cast<const std::byte*>(place) + sizeof list;
+    for (const MethodRecord& record : image.values<MethodRecord>(first, list.count)) {
+        image.value<std::uint8_t>(record.code);  // in the module
+        methods.push_back(
+            {image.text(record.selector), withoutPlaces(image.text(record.types)), record.code});
+    }
+    return methods;
+}
+
+const ClassData& dataOf(const Image& image, const ClassObject& object) {
+    if ((object.data & ClassObject::dataMarks) != 0) {
+        throw standin::BundleError("not supported: classes of another language");
+    }
+    return image.value<ClassData>(reinterpret_cast<const void*>(object.data));
+}
+
+ModuleClass readClass(const Image& image, const void* place) {
+    const auto& object = image.value<ClassObject>(place);
+    const ClassData& data = dataOf(image, object);
+    if (data.instanceSize < sizeof(void*) || data.instanceSize > largestInstance) {
+        malformed("a class with instances of " + std::to_string(data.instanceSize) + " bytes");
+    }
+    const ClassData& metaclassData = dataOf(image, image.value<ClassObject>(object.metaclass));
+    return {.name = image.text(data.name),
+            .address = place,
+            .superclass = object.superclass,
+            .instanceSize = data.instanceSize,
+            .hasLoad = false,
+            .classMethods = readMethods(image, metaclassData.methods),
+            .instanceMethods = readMethods(image, data.methods)};
+}
+
+}  // namespace
+
+const Method* find(const std::vector<Method>& methods, std::string_view selector) {
+    const auto found = std::ranges::find(methods, selector, &Method::selector);
+    return found == methods.end() ? nullptr : &*found;
+}
+
+std::vector<ModuleClass> readClasses(const Image& image) {
+    if (!image.addresses("__objc_catlist").empty()) {
+        throw standin::BundleError("not supported: categories");
+    }
+    const auto withLoad = image.addresses("__objc_nlclslist");
+    std::vector<ModuleClass> classes;
+    for (const void* const place : image.addresses("__objc_classlist")) {
+        ModuleClass& cls = classes.emplace_back(readClass(image, place));
+        cls.hasLoad = std::ranges::find(withLoad, place) != withLoad.end();
+    }
+    return classes;
+}
+
+}  // namespace quillet::macho

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+#include "tests/platforms/macho/loader/runtime.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "platform/standin/runtime/bundle_folder.h"
+#include "platform/standin/runtime/instance.h"
+#include "tests/platforms/macho/loader/platform_methods.h"
+
+namespace quillet::macho {
+
+namespace {
+
+/// Of all kinds of objects but the platform's own, the first word says what they are.
+const void* kindOf(const void* object) { return *static_cast<const void* const*>(object); }
+
+constexpr char metaclass = 0;
+constexpr char allocated = 0;
+
+struct PlatformClass {
+    struct Allocation {
+        const void* kind = &allocated;
+        const PlatformClass* cls;
+    };
+
+    explicit PlatformClass(std::string className) : name{std::move(className)} {}
+    PlatformClass(const PlatformClass&) = delete;
+    PlatformClass& operator=(const PlatformClass&) = delete;
+
+    const void* kind = &metaclass;
+    const std::string name;
+    Allocation allocation{.cls = this};
+};
+
+std::vector<LoadedClass*>& loadedClasses() {
+    static std::vector<LoadedClass*> classes;
+    return classes;
+}
+
+/// What the pools hold, the outermost first.
+std::vector<Object>& pooled() {
+    static std::vector<Object> objects;
+    return objects;
+}
+
+/// Whether the stand-in keeps the object and counts it.
+bool isInstance(const void* object) {
+    const void* const kind = kindOf(object);
+    return kind != &metaclass && kind != &allocated && loadedClass(object) == nullptr &&
+           loadedClass(kind) == nullptr;
+}
+
+/// How an object's methods are named in the table of platform_methods.h.
+struct Receiver {
+    /// '+' for a class, '-' for anything else.
+    char sign;
+    /// The class and those above it.
+    std::vector<std::string> classes;
+};
+
+/// From the description that the object has in a trace, such as "<NSMutableDictionary: 4 entries>",
+/// or without the angle brackets for a class.
+Receiver describeInstance(const standin::Instance& instance) {
+    const std::string description = instance.description();
+    if (!description.starts_with('<')) return {'+', {description, "PlatformObject", "NSObject"}};
+    const std::string name = description.substr(1, description.find_first_of(":>") - 1);
+    if (name == "NSMutableDictionary") {
+        return {'-', {name, "NSDictionary", "PlatformObject", "NSObject"}};
+    }
+    return {'-', {name, "PlatformObject", "NSObject"}};
+}
+
+Receiver describe(const void* object) {
+    const void* const kind = kindOf(object);
+    if (kind == &metaclass) {
+        return {'+', {static_cast<const PlatformClass*>(object)->name, "NSObject"}};
+    }
+    if (kind == &allocated) {
+        const auto& allocation = *static_cast<const PlatformClass::Allocation*>(object);
+        return {'-', {"allocated " + allocation.cls->name}};
+    }
+    if (const LoadedClass* const cls = loadedClass(object))
+        return {'+', {cls->cls.name, "NSObject"}};
+    if (const LoadedClass* const cls = loadedClass(kind)) return {'-', {cls->cls.name, "NSObject"}};
+    return describeInstance(*standin::instanceOf(object));
+}
+
+const void* moduleMethod(const void* object, Selector selector) {
+    const LoadedClass* const ofClass = loadedClass(object);
+    const LoadedClass* const ofInstance = loadedClass(kindOf(object));
+    const Method* method = nullptr;
+    if (ofClass != nullptr) method = find(ofClass->cls.classMethods, selector);
+    if (ofInstance != nullptr) method = find(ofInstance->cls.instanceMethods, selector);
+    return method == nullptr ? nullptr : method->code;
+}
+
+}  // namespace
+
+/// For quilletSendMessage: what `selector` sent to `object`, which is not nil, calls.
+extern "C" const void* quilletFindMethod(const void* object, Selector selector) {
+    if (const void* const code = moduleMethod(object, selector)) return code;
+    const Receiver receiver = describe(object);
+    for (const std::string& cls : receiver.classes) {
+        if (const void* const code = platformMethod(receiver.sign, cls, selector)) return code;
+    }
+    std::fprintf(stderr, "unknown message: %c[%s %s]\n", receiver.sign,
+                 receiver.classes.front().c_str(), selector);
+    std::abort();
+}
+
+LoadedClass::LoadedClass(ModuleClass moduleClass) : cls{std::move(moduleClass)} {
+    if (cls.superclass != platformClass("NSObject")) {
+        throw standin::BundleError("not supported: class " + cls.name + " not based on NSObject");
+    }
+    loadedClasses().push_back(this);
+}
+
+LoadedClass::~LoadedClass() { std::erase(loadedClasses(), this); }
+
+LoadedClass* loadedClass(const void* address) {
+    const auto found = std::ranges::find(loadedClasses(), address,
+                                         [](const LoadedClass* cls) { return cls->cls.address; });
+    return found == loadedClasses().end() ? nullptr : *found;
+}
+
+Id platformClass(const std::string& name) {
+    static std::map<std::string, PlatformClass> classes;
+    if (!hasPlatformClass(name)) return nullptr;
+    return &classes.try_emplace(name, name).first->second;
+}
+
+const void* platformMetaclass() { return &metaclass; }
+
+Id allocationOf(Id platformClass) {
+    return &static_cast<PlatformClass*>(platformClass)->allocation;
+}
+
+Pool::Pool() : begin_{pooled().size()} {}
+
+Pool::~Pool() {
+    // Fewer than at the beginning when objects of an outer pool have been retained meanwhile.
+    if (pooled().size() > begin_) pooled().resize(begin_);
+}
+
+Id autoreleased(const Object& reference) {
+    if (reference) pooled().push_back(reference);
+    return reference.instance();
+}
+
+Id owned(const Object& reference) {
+    standin::send(reference, [](standin::Instance& instance) { instance.retain(); });
+    return reference.instance();
+}
+
+Id retain(Id object) {
+    if (!isInstance(object)) return object;
+    standin::instanceOf(object)->retain();
+    const auto held = std::ranges::find(pooled(), object, &Object::instance);
+    if (held != pooled().end()) pooled().erase(held);
+    return object;
+}
+
+void release(Id object) {
+    if (isInstance(object)) standin::instanceOf(object)->release();
+}
+
+}  // namespace quillet::macho

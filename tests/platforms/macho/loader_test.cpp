@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/standin/device/device.h"
+#include "platform/standin/plist/property_list.h"
+#include "tests/platforms/macho/loader/classes.h"
+#include "tests/platforms/macho/loader/exports.h"
+#include "tests/platforms/macho/loader/fixups.h"
+#include "tests/platforms/macho/loader/image.h"
+#include "tests/platforms/macho/loader/imports.h"
+#include "tests/platforms/macho/loader/module.h"
+#include "tests/support/temporary_folder.h"
+
+namespace quillet::macho {
+namespace {
+
+using namespace std::string_view_literals;
+using standin::BundleError;
+using standin::Device;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+std::string moduleFile() {
+    return *standin::readFile(std::filesystem::path{QUILLET_MACHO_BUNDLE} / "Quillet");
+}
+
+/// The module with the first `from` in its file changed to `to`, which is as long.
+std::string changed(std::string_view from, std::string_view to) {
+    std::string file = moduleFile();
+    const std::size_t place = file.find(from);
+    EXPECT_NE(place, std::string::npos) << from;
+    return file.replace(place, to.size(), to);
+}
+
+/// A bundle like the built one, with a module of its own, on an iPod.
+class Altered {
+public:
+    explicit Altered(const std::string& module) {
+        std::filesystem::copy(QUILLET_MACHO_BUNDLE, bundle(),
+                              std::filesystem::copy_options::recursive);
+        standin::writeFileAtomically(bundle() / "Quillet", module);
+    }
+
+    void load() { device_.framework.load(bundle()); }
+    /// Why the bundle cannot be loaded; empty when it can.
+    std::string refusal() {
+        try {
+            load();
+        } catch (const BundleError& error) {
+            return error.what();
+        }
+        return {};
+    }
+    void turnOff() {
+        const char* const identifier = "com.velk.switch.ringer";
+        device_.framework.dataSource(identifier)->applyState(FSSwitchStateOff, identifier);
+    }
+    Device& device() { return device_; }
+
+private:
+    std::filesystem::path bundle() const { return folder_.path() / "Quillet.bundle"; }
+
+    test::TemporaryFolder folder_;
+    Device device_{{.root = folder_.path() / "root",
+                    .machine = "iPod5,1",
+                    .host = {},
+                    .clock = standin::Clock::Kind::virtualTime,
+                    .openModule = openMachO}};
+};
+
+std::string refusalOf(std::string_view from, std::string_view to) {
+    return Altered{changed(from, to)}.refusal();
+}
+
+/// Everything that is done with a file but for running it.
+void read(std::string_view file) {
+    const Layout layout = readLayout(std::as_bytes(std::span{file}));
+    Image image{layout};
+    setAddresses(image, layout, findImport);
+    image.protect();
+    readClasses(image);
+    for (const char* const symbol : {"_isiPod", "__prefsLoader", "_none"}) {
+        findExport(layout.exports, symbol);
+    }
+}
+
+bool isRefused(std::string_view file) {
+    try {
+        read(file);
+    } catch (const BundleError&) {
+        return true;
+    }
+    return false;
+}
+
+TEST(Loader, LoadsTheModuleAsItWasBuilt) {
+    EXPECT_THAT(Altered{moduleFile()}.refusal(), IsEmpty());
+}
+
+TEST(Loader, RefusesAFileThatEndsTooEarlyAnywhere) {
+    const std::string file = moduleFile();
+    for (std::size_t size = 0; size < file.size(); size += size < 4096 ? 1 : 61) {
+        ASSERT_TRUE(isRefused(std::string_view{file}.substr(0, size))) << size;
+    }
+    EXPECT_FALSE(isRefused(file));
+}
+
+TEST(Loader, StaysInTheModuleWhateverTheFileSays) {
+    std::string file = moduleFile();
+    // At some places only, to save time.
+    constexpr std::size_t step = 37;
+    int refused = 0;
+    for (std::size_t place = 0; place < file.size(); place += step) {
+        for (const char bits : {'\x01', '\x80', '\xFF'}) {
+            file[place] = static_cast<char>(file[place] ^ bits);
+            refused += isRefused(file) ? 1 : 0;
+            file[place] = static_cast<char>(file[place] ^ bits);
+        }
+    }
+    EXPECT_GT(refused, 100);
+}
+
+TEST(Loader, RefusesAModuleForAnotherProcessor) {
+    std::string file = moduleFile();
+    file[4] = '\x12';
+    EXPECT_THAT(Altered{file}.refusal(), HasSubstr("not supported: processor 0x1000012"));
+}
+
+TEST(Loader, RefusesATableOfAddressesInAnotherFormat) {
+    EXPECT_THAT(refusalOf("\x22\0\0\x80\x30\0\0\0"sv, "\x34\0\0\x80\x30\0\0\0"sv),
+                HasSubstr("not supported: load command 0x80000034"));
+}
+
+TEST(Loader, RefusesAnUnknownImportByItsName) {
+    EXPECT_THAT(refusalOf("_notify_cancel", "_notify_canvas"),
+                HasSubstr("unknown import: _notify_canvas"));
+    EXPECT_THAT(refusalOf("$_NSRunLoop", "$_NSRunLoup"),
+                HasSubstr("unknown import: _OBJC_CLASS_$_NSRunLoup"));
+}
+
+TEST(Loader, LeavesAnUnknownImportThatTheModuleCanDoWithoutAtNull) {
+    Altered altered{changed("$_AVSystemController", "$_AVSystemConductor")};
+    altered.load();
+    altered.device().hardware.setVolume("Ringtone", 0.5F);
+    altered.turnOff();
+    EXPECT_EQ(altered.device().hardware.volume("Ringtone"), 0.5F);
+}
+
+TEST(Loader, RefusesAMethodOfAnotherType) {
+    EXPECT_THAT(refusalOf("i24@0:8@16", "q24@0:8@16"),
+                HasSubstr("not supported: method stateForSwitchIdentifier: of class RingerSwitch, "
+                          "of type q@:@"));
+}
+
+TEST(Loader, DoesNotSendLoadToAClassThatDoesNotAskForIt) {
+    EXPECT_THAT(refusalOf("__objc_nlclslist", "__objc_nlclsnone"),
+                HasSubstr("no principal class \"RingerSwitch\""));
+}
+
+TEST(Loader, EndsTheProcessAtAnUnknownMessage) {
+    Altered altered{changed("defaultManager", "defaultManagor")};
+    altered.load();
+    EXPECT_DEATH(altered.turnOff(), "unknown message: \\+\\[NSFileManager defaultManagor\\]");
+}
+
+TEST(Loader, FindsWhatTheModuleExportsByItsFullNameOnly) {
+    Altered altered{moduleFile()};
+    altered.load();
+    EXPECT_NE(altered.device().framework.symbol("isiPod"), nullptr);
+    for (const char* const name : {"", "isiPo", "isiPods", "_isiPod", "ringerStateChanged"}) {
+        EXPECT_EQ(altered.device().framework.symbol(name), nullptr) << name;
+    }
+}
+
+TEST(Loader, LetsNobodyWriteToCode) {
+    Altered altered{moduleFile()};
+    altered.load();
+    auto* const code = static_cast<volatile char*>(altered.device().framework.symbol("isiPod"));
+    EXPECT_EXIT(*code = 0, ::testing::KilledBySignal(SIGSEGV), "");
+}
+
+}  // namespace
+}  // namespace quillet::macho

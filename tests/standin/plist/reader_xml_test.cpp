@@ -1,0 +1,297 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "platform/standin/plist/property_list.h"
+
+namespace quillet::standin {
+namespace {
+
+std::optional<Value> read(const std::string& text) { return readXMLPropertyList(text); }
+
+std::string nested(const std::string& start, const std::string& end, int depth) {
+    std::string text;
+    for (int i = 0; i < depth; ++i) text += start;
+    for (int i = 0; i < depth; ++i) text += end;
+    return text;
+}
+
+TEST(XMLPropertyList, ReadsAllEightKinds) {
+    const Dictionary expected{{"string", "text"},
+                              {"data", Data{"QUI"}},
+                              {"date", Date{0}},
+                              {"integer", -12},
+                              {"real", 0.75},
+                              {"true", true},
+                              {"false", false},
+                              {"array", Array{1, "two"}},
+                              {"dict", Dictionary{{"a", 1}}}};
+    EXPECT_EQ(read(R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+<dict>
+    <key>string</key><string>text</string>
+    <key>data</key><data>UVVJ</data>
+    <key>date</key><date>2001-01-01T00:00:00Z</date>
+    <key>integer</key><integer>-12</integer>
+    <key>real</key><real>0.75</real>
+    <key>true</key><true/>
+    <key>false</key><false/>
+    <key>array</key><array><integer>1</integer><string>two</string></array>
+    <key>dict</key><dict><key>a</key><integer>1</integer></dict>
+</dict>
+</plist>
+)"),
+              Value{expected});
+}
+
+TEST(XMLPropertyList, ThePrologMayTakeEveryForm) {
+    for (const char* prolog :
+         {"", "\xEF\xBB\xBF", "<?xml version='1.0'?>", "<?xml version=\"1.0\" encoding=\"utf-8\"?>",
+          "<?xml version = '1.0' encoding = 'US-ASCII' standalone='yes' ?>", " \t\r\n",
+          "<!-- a > b -- ' \" <plist> -->", "<!-->-->", "<?style 'a' ?>", "<?xmlish encoding='x'?>",
+          "<!DOCTYPE plist>", "<!DOCTYPE plist SYSTEM 'a>b' >",
+          "<!DOCTYPE plist [ <!ENTITY a \"]>\"> <!-- ]> ' --> <?p ]> ' ?> ]>",
+          "<?xml version='1.0'?><!-- a --><!DOCTYPE plist><?p?><!-- b -->"}) {
+        EXPECT_EQ(read(prolog + std::string{"<plist><true/></plist>"}), Value{true}) << prolog;
+        EXPECT_EQ(read(prolog + std::string{"<true/>"}), Value{true}) << prolog;
+    }
+}
+
+TEST(XMLPropertyList, OnlyMarkupWithoutMeaningMayFollow) {
+    for (const char* rest : {"", "\n", " <!-- a -->\n<?p q?> "}) {
+        EXPECT_EQ(read(std::string{"<plist><true/></plist>"} + rest), Value{true}) << rest;
+    }
+    for (const char* rest : {"x", "<true/>", "<plist/>", "<plist></plist>", "</plist>", "&amp;",
+                             "<!DOCTYPE plist>", "<!--", "<?", "<![CDATA[]]>"}) {
+        EXPECT_EQ(read(std::string{"<plist><true/></plist>"} + rest), std::nullopt) << rest;
+        EXPECT_EQ(read(std::string{"<true/>"} + rest), std::nullopt) << rest;
+    }
+}
+
+TEST(XMLPropertyList, EmptyElementsMayCloseThemselves) {
+    EXPECT_EQ(read("<array/>"), Value{Array()});
+    EXPECT_EQ(read("<dict />"), Value{Dictionary{}});
+    EXPECT_EQ(read("<string/>"), Value{""});
+    EXPECT_EQ(read("<data/>"), Value{Data{}});
+    EXPECT_EQ(read("<dict><key/><true/></dict>"), (Value{Dictionary{{"", true}}}));
+    EXPECT_EQ(read("<true></true>"), Value{true});
+    EXPECT_EQ(read("<false> <!-- a --> </false>"), Value{false});
+}
+
+TEST(XMLPropertyList, AttributesAreSkippedEvenWithTagsInTheirQuotes) {
+    EXPECT_EQ(read("<plist a='>' b=\"/>'\"><array x='/'><true\n/></array\t></plist >"),
+              (Value{Array{
+                  true,
+              }}));
+}
+
+TEST(XMLPropertyList, TextKeepsItsWhiteSpaceAndLosesItsMarkup) {
+    EXPECT_EQ(read("<string> a\t\n b </string>"), Value{" a\t\n b "});
+    EXPECT_EQ(read("<string>a\r\nb</string>"), Value{"a\r\nb"});
+    EXPECT_EQ(read("<string>a<!-- <b> & -->c<?p <q> ?>d</string>"), Value{"acd"});
+    EXPECT_EQ(read("<string>a<![CDATA[<b>&amp;]] >]]>c]]></string>"), Value{"a<b>&amp;]] >c]]>"});
+    EXPECT_EQ(read("<string>a>b\"c'</string>"), Value{"a>b\"c'"});
+    EXPECT_EQ(read("<dict><key>a&amp;<![CDATA[<]]></key><true/></dict>"),
+              (Value{Dictionary{{"a&<", true}}}));
+}
+
+TEST(XMLPropertyList, ReferencesStandForTheirCharacters) {
+    EXPECT_EQ(read("<string>&amp;&lt;&gt;&quot;&apos;</string>"), Value{"&<>\"'"});
+    EXPECT_EQ(read("<string>&#65;&#x42;&#x00043;&#13;&#1;</string>"), Value{"ABC\r\x01"});
+    EXPECT_EQ(read("<string>&#0;</string>"), Value{std::string(1, '\0')});
+    EXPECT_EQ(
+        read("<string>&#x7F;&#x80;&#x7FF;&#x800;&#xFFFF;&#x10000;&#x10FFFF;</string>"),
+        Value{"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"});
+    for (const char* reference :
+         {"&", "&;", "&amp", "&AMP;", "&nbsp;", "&#;", "&#x;", "&#X41;", "&#-1;", "&#+1;", "&# 65;",
+          "&#65 ;", "&#6a;", "&#xD800;", "&#xDFFF;", "&#x110000;", "&#4294967361;", "& amp;"}) {
+        EXPECT_EQ(read(std::string{"<string>"} + reference + "</string>"), std::nullopt)
+            << reference;
+    }
+}
+
+TEST(XMLPropertyList, AnEntityOfTheDocumentTypeIsNotExpanded) {
+    EXPECT_EQ(read("<!DOCTYPE plist [<!ENTITY a 'b'>]><string>&a;</string>"), std::nullopt);
+}
+
+TEST(XMLPropertyList, IntegersReachFromTheLeastSignedToTheGreatestUnsigned) {
+    const struct {
+        const char* text;
+        Value value;
+    } cases[] = {{"0", 0},
+                 {"-0", 0},
+                 {"+7", 7},
+                 {" \t\r\n42 ", 42},
+                 {"007", 7},
+                 {"0x10", 16},
+                 {"0XfF", 255},
+                 {"-0x10", -16},
+                 {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
+                 {"9223372036854775808", std::uint64_t{1} << 63},
+                 {"18446744073709551615", std::numeric_limits<std::uint64_t>::max()},
+                 {"0xFFFFFFFFFFFFFFFF", std::numeric_limits<std::uint64_t>::max()},
+                 {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
+                 {"-0x8000000000000000", std::numeric_limits<std::int64_t>::min()}};
+    for (const auto& [text, value] : cases) {
+        EXPECT_EQ(read(std::string{"<integer>"} + text + "</integer>"), value) << text;
+    }
+    for (const char* text : {"",
+                             " ",
+                             "+",
+                             "-",
+                             "--1",
+                             "+-1",
+                             "- 1",
+                             "1 2",
+                             "1.0",
+                             "1e3",
+                             "x",
+                             "0x",
+                             "-0x",
+                             "0x-1",
+                             "0xG",
+                             "0b1",
+                             "18446744073709551616",
+                             "-9223372036854775809",
+                             "0x10000000000000000",
+                             "-0x8000000000000001"}) {
+        EXPECT_EQ(read(std::string{"<integer>"} + text + "</integer>"), std::nullopt) << text;
+    }
+    EXPECT_EQ(read("<integer/>"), std::nullopt);
+}
+
+TEST(XMLPropertyList, RealsAreDecimalNumbersOrWords) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const struct {
+        const char* text;
+        double value;
+    } cases[] = {{"0", 0},
+                 {"1.5", 1.5},
+                 {"-0.25", -0.25},
+                 {"+2", 2},
+                 {" 3 ", 3},
+                 {".5", 0.5},
+                 {"5.", 5},
+                 {"1e3", 1000},
+                 {"1E-2", 0.01},
+                 {"4.9e-324", 5e-324},
+                 {"0.1", 0.1},
+                 {"inf", infinity},
+                 {"-INF", -infinity},
+                 {"+Infinity", infinity},
+                 {"-infinity", -infinity},
+                 {"1e999", infinity},
+                 {"-1e999", -infinity},
+                 {"1e-999", 0.0},
+                 {"1.7976931348623157e308", std::numeric_limits<double>::max()}};
+    for (const auto& [text, value] : cases) {
+        EXPECT_EQ(read(std::string{"<real>"} + text + "</real>"), Value{value}) << text;
+    }
+    for (const char* text : {"nan", "NaN", "+nan", "-NAN"}) {
+        const auto value = read(std::string{"<real>"} + text + "</real>");
+        ASSERT_TRUE(value && std::holds_alternative<double>(*value)) << text;
+        EXPECT_TRUE(std::isnan(std::get<double>(*value))) << text;
+    }
+    for (const char* text : {"", " ", "+", ".", "e5", "1e", "1.2.3", "0x10", "1,5", "--1", "+-1",
+                             "infinite", "nan(1)", "in", "1 2", "- 1", "1f"}) {
+        EXPECT_EQ(read(std::string{"<real>"} + text + "</real>"), std::nullopt) << text;
+    }
+    EXPECT_EQ(read("<real/>"), std::nullopt);
+}
+
+TEST(XMLPropertyList, DatesAreSecondsOfTheCalendar) {
+    const struct {
+        const char* text;
+        double seconds;
+    } cases[] = {{"2001-01-01T00:00:00Z", 0},
+                 {"2001-01-02T03:04:05Z", 97445},
+                 {"2000-12-31T23:59:59Z", -1},
+                 {"1970-01-01T00:00:00Z", -978307200},
+                 {"2000-02-29T00:00:00Z", -26524800},
+                 {"2400-02-29T12:00:00Z", 12596299200},
+                 {"0001-01-01T00:00:00Z", -63113904000},
+                 {"9999-12-31T23:59:59Z", 252423993599}};
+    for (const auto& [text, seconds] : cases) {
+        EXPECT_EQ(read(std::string{"<date>"} + text + "</date>"), Value{Date{seconds}}) << text;
+    }
+    for (const char* text : {"",
+                             "2001",
+                             "2001-01-01",
+                             "2001-01-01T00:00:00",
+                             "2001-01-01T00:00:00z",
+                             "2001-01-01t00:00:00Z",
+                             "2001-01-01 00:00:00Z",
+                             " 2001-01-01T00:00:00Z",
+                             "2001-01-01T00:00:00Z ",
+                             "2001-1-01T00:00:00Z",
+                             "12001-01-01T00:00:00Z",
+                             "-001-01-01T00:00:00Z",
+                             "0000-01-01T00:00:00Z",
+                             "2001-00-01T00:00:00Z",
+                             "2001-13-01T00:00:00Z",
+                             "2001-01-00T00:00:00Z",
+                             "2001-01-32T00:00:00Z",
+                             "2001-02-29T00:00:00Z",
+                             "1900-02-29T00:00:00Z",
+                             "2001-04-31T00:00:00Z",
+                             "2001-01-01T24:00:00Z",
+                             "2001-01-01T00:60:00Z",
+                             "2001-01-01T00:00:60Z",
+                             "2001-01-01T00:00:00.5Z",
+                             "2001-01-01T00:00:00+00:00"}) {
+        EXPECT_EQ(read(std::string{"<date>"} + text + "</date>"), std::nullopt) << text;
+    }
+    EXPECT_EQ(read("<date/>"), std::nullopt);
+}
+
+TEST(XMLPropertyList, DataIsStrictBase64WithWhiteSpaceAnywhere) {
+    const struct {
+        const char* text;
+        std::string bytes;
+    } cases[] = {{"", ""},
+                 {" \n\t\r ", ""},
+                 {"QQ==", "A"},
+                 {"QUI=", "AB"},
+                 {"QUJD", "ABC"},
+                 {"QUJDRA==", "ABCD"},
+                 {"Q U\nJ\tD\r", "ABC"},
+                 {"Q Q = =", "A"},
+                 {"AAAA", std::string(3, '\0')},
+                 {"/+8=", "\xFF\xEF"},
+                 {"////", "\xFF\xFF\xFF"}};
+    for (const auto& [text, bytes] : cases) {
+        EXPECT_EQ(read(std::string{"<data>"} + text + "</data>"), Value{Data{bytes}}) << text;
+    }
+    for (const char* text :
+         {"Q", "QQ", "QQ=", "QUI", "QQ===", "QUI==", "QUJD=", "=",
+          "====", "Q===", "A===", "QQ==QQ==", "Q=Q=", "QU!D", "QU-D", "QU_D", "QR==", "QUJ="}) {
+        EXPECT_EQ(read(std::string{"<data>"} + text + "</data>"), std::nullopt) << text;
+    }
+}
+
+TEST(XMLPropertyList, OfSeveralEntriesWithOneKeyTheLastCounts) {
+    const auto value =
+        read("<dict><key>b</key><true/><key>a</key><true/><key>&#98;</key><false/></dict>");
+    ASSERT_TRUE(value);
+    const std::vector<Entry> expected{{"b", false}, {"a", true}};
+    EXPECT_EQ(std::get<Dictionary>(*value).entries(), expected);
+}
+
+TEST(XMLPropertyList, ContainersNestAsDeepAsTheLimitAndNoDeeper) {
+    EXPECT_TRUE(read(nested("<array>", "</array>", maxDepth)));
+    EXPECT_TRUE(read("<plist>" + nested("<array>", "</array>", maxDepth) + "</plist>"));
+    EXPECT_FALSE(read(nested("<array>", "</array>", maxDepth + 1)));
+    const std::string innermost = "<array/>";
+    EXPECT_TRUE(read(nested("<dict><key/>", "", maxDepth - 1) + innermost +
+                     nested("", "</dict>", maxDepth - 1)));
+    EXPECT_FALSE(
+        read(nested("<dict><key/>", "", maxDepth) + innermost + nested("", "</dict>", maxDepth)));
+    EXPECT_FALSE(read(nested("<array>", "", 1000000)));
+}
+
+}  // namespace
+}  // namespace quillet::standin

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "platform/property_list.h"
+#include "platform/standin/plist/property_list.h"
+#include "tests/standin/on_a_device.h"
+
+namespace quillet::test {
+namespace {
+
+using standin::Array;
+using standin::Dictionary;
+using standin::Value;
+using ::testing::ElementsAre;
+
+constexpr char path[] = "/var/mobile/a.plist";
+
+class DictionaryFile : public OnADevice {
+protected:
+    void write(const std::string& bytes) {
+        ASSERT_TRUE(standin::writeFileAtomically(device().below(path), bytes));
+    }
+    void write(const Value& value) { write(standin::writePropertyList(value)); }
+    std::optional<Value> read() {
+        const auto bytes = standin::readFile(device().below(path));
+        return bytes ? standin::readPropertyList(*bytes) : std::nullopt;
+    }
+
+    void expectNoDictionary() {
+        EXPECT_FALSE(NSDictionary::dictionaryWithContentsOfFile(path));
+        EXPECT_FALSE(NSDictionary::initWithContentsOfFile(path));
+        EXPECT_FALSE(NSMutableDictionary::dictionaryWithContentsOfFile(path));
+        EXPECT_FALSE(NSMutableDictionary::initWithContentsOfFile(path));
+    }
+};
+
+TEST_F(DictionaryFile, IsReadByAllFourFunctions) {
+    write(Dictionary{{"key", std::string{"value"}}});
+    for (const NSDictionary& dictionary :
+         {NSDictionary::dictionaryWithContentsOfFile(path),
+          NSDictionary::initWithContentsOfFile(path),
+          NSDictionary{NSMutableDictionary::dictionaryWithContentsOfFile(path)},
+          NSDictionary{NSMutableDictionary::initWithContentsOfFile(path)}}) {
+        EXPECT_EQ(standin::text(dictionary.objectForKey("key")), "value");
+    }
+}
+
+TEST_F(DictionaryFile, ThatIsMissingBrokenOrSomethingElseGivesNil) {
+    expectNoDictionary();
+    write(std::string{});
+    expectNoDictionary();
+    write(std::string{"no property list"});
+    expectNoDictionary();
+    write(Value{Array{}});
+    expectNoDictionary();
+    std::filesystem::remove(device().below(path));
+    std::filesystem::create_directory(device().below(path));
+    expectNoDictionary();
+}
+
+TEST_F(DictionaryFile, IsLookedUpBelowTheDevicesRoot) {
+    EXPECT_FALSE(NSDictionary::dictionaryWithContentsOfFile(device().below(path).c_str()));
+    EXPECT_EQ(NSFileManager::defaultManager().fileExistsAtPath("/etc/passwd"), NO);
+}
+
+TEST_F(DictionaryFile, KeysAreMatchedExactly) {
+    write(Dictionary{{"key", false}, {"", std::int64_t{0}}});
+    const auto dictionary = NSDictionary::dictionaryWithContentsOfFile(path);
+    EXPECT_TRUE(dictionary.objectForKey("key")) << "a false value is a value";
+    EXPECT_TRUE(dictionary.objectForKey(""));
+    for (const char* const other : {"Key", "key ", "ke", "keys"}) {
+        EXPECT_FALSE(dictionary.objectForKey(other)) << other;
+    }
+}
+
+TEST_F(DictionaryFile, IsWrittenWithWhatWasSetAndWhatWasThere) {
+    write(Dictionary{{"old", std::string{"kept"}}, {"flag", std::int64_t{7}}});
+    const auto dictionary = NSMutableDictionary::initWithContentsOfFile(path);
+    dictionary.setValue(NSNumber::numberWithBool(NO), "flag");
+    dictionary.setObject(NSNumber::numberWithFloat(0.6F), "volume");
+    EXPECT_EQ(dictionary.writeToFile(path, YES), YES);
+    EXPECT_EQ(
+        read(),
+        Value(Dictionary{{"old", std::string{"kept"}}, {"flag", false}, {"volume", double{0.6F}}}));
+}
+
+TEST_F(DictionaryFile, IsNotChangedBeforeItIsWritten) {
+    write(Dictionary{{"key", true}});
+    NSMutableDictionary::initWithContentsOfFile(path).setValue(NSString{"new"}, "key");
+    EXPECT_EQ(read(), Value(Dictionary{{"key", true}}));
+}
+
+TEST_F(DictionaryFile, SettingNilRemovesTheEntry) {
+    const auto dictionary = NSMutableDictionary::init();
+    dictionary.setValue(NSString{"value"}, "key");
+    dictionary.setValue(Object{}, "key");
+    dictionary.setValue(Object{}, "absent");
+    EXPECT_FALSE(dictionary.objectForKey("key"));
+    EXPECT_EQ(dictionary.writeToFile(path, YES), YES);
+    EXPECT_EQ(read(), Value(Dictionary{}));
+}
+
+TEST_F(DictionaryFile, ThatCannotBeWrittenAnswersNo) {
+    const auto dictionary = NSMutableDictionary::init();
+    EXPECT_EQ(dictionary.writeToFile("/no/such/folder/a.plist", YES), NO);
+    EXPECT_EQ(dictionary.writeToFile("/var", NO), NO);
+    EXPECT_TRUE(std::filesystem::is_directory(device().below("/var")));
+}
+
+TEST_F(DictionaryFile, TheFileManagerFindsFilesAndFolders) {
+    const auto manager = NSFileManager::defaultManager();
+    EXPECT_EQ(manager.fileExistsAtPath(path), NO);
+    write(std::string{});
+    EXPECT_EQ(manager.fileExistsAtPath(path), YES);
+    EXPECT_EQ(manager.fileExistsAtPath("/var/mobile"), YES);
+    EXPECT_EQ(manager.fileExistsAtPath("/var/mobile/a.plist/below"), NO);
+    std::filesystem::create_symlink("circle", device().below("/var/mobile/circle"));
+    EXPECT_EQ(manager.fileExistsAtPath("/var/mobile/circle"), NO);
+}
+
+TEST_F(DictionaryFile, EveryOperationIsTraced) {
+    write(Dictionary{{"key", true}});
+    const auto dictionary = NSMutableDictionary::initWithContentsOfFile(path);
+    dictionary.objectForKey("key");
+    dictionary.objectForKey("absent");
+    dictionary.setValue(Object{}, "key");
+    dictionary.writeToFile(path, YES);
+    EXPECT_THAT(
+        calls(),
+        ElementsAre(R"(NSMutableDictionary initWithContentsOfFile:("/var/mobile/a.plist") = )"
+                    R"("<NSMutableDictionary: 1 entries>")",
+                    R"(NSMutableDictionary objectForKey:("key") = true)",
+                    R"(NSMutableDictionary objectForKey:("absent") = null)",
+                    R"(NSMutableDictionary setValue:forKey:(null, "key"))",
+                    R"(NSMutableDictionary writeToFile:atomically:("/var/mobile/a.plist", true) )"
+                    R"(= true)"));
+}
+
+}  // namespace
+}  // namespace quillet::test

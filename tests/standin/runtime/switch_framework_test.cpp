@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "platform/standin/runtime/switch_framework.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tests/standin/on_a_device.h"
+#include "tests/standin/runtime/bundle_folder.h"
+#include "tests/support/phone.h"
+#include "tests/support/under_test.h"
+
+namespace quillet::test {
+namespace {
+
+namespace fs = std::filesystem;
+using standin::BundleError;
+using standin::Dictionary;
+using standin::Value;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// Loads bundles, made for the test or broken by it, into the framework of a bare device.
+class Loader : public OnADevice {
+protected:
+    standin::SwitchFramework& framework() { return device().framework; }
+    fs::path bundle() const { return folder() / "Some.bundle"; }
+
+    /// A copy of the bundle under test, whose property list is that of the bundle but for `key`.
+    void copyBundle(const std::string& key, Value value) {
+        fs::copy(bundleUnderTest(), bundle(), fs::copy_options::recursive);
+        auto info = std::get<Dictionary>(
+            standin::readPropertyList(standin::readFile(bundle() / "Info.plist").value()).value());
+        info.set(key, std::move(value));
+        writeInfo(bundle(), info);
+    }
+
+    void expectRefused(const fs::path& folder, const std::string& reason) {
+        try {
+            framework().load(folder);
+            ADD_FAILURE() << "loaded, though " << reason;
+        } catch (const BundleError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(reason));
+            EXPECT_THAT(error.what(), HasSubstr(folder.filename().string()));
+        }
+    }
+};
+
+TEST_F(Loader, LoadsTheBundleUnderItsIdentifier) {
+    EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
+    EXPECT_NE(framework().dataSource(switchIdentifier), nullptr);
+    ASSERT_NE(framework().bundle(switchIdentifier), nullptr);
+    EXPECT_EQ(framework().bundle(switchIdentifier)->info("CFBundleIdentifier"), switchIdentifier);
+    EXPECT_NE(framework().symbol("isiPod"), nullptr);
+}
+
+TEST_F(Loader, FindsNothingBeforeAnyBundleIsLoaded) {
+    EXPECT_EQ(framework().dataSource(switchIdentifier), nullptr);
+    EXPECT_EQ(framework().bundle(switchIdentifier), nullptr);
+    EXPECT_EQ(framework().symbol("isiPod"), nullptr);
+}
+
+TEST_F(Loader, FindsNothingUnderAnotherIdentifierOrName) {
+    framework().load(bundleUnderTest());
+    for (const char* const identifier : {"", "com.velk.switch", "com.velk.switch.Ringer"}) {
+        EXPECT_EQ(framework().dataSource(identifier), nullptr) << identifier;
+        EXPECT_EQ(framework().bundle(identifier), nullptr) << identifier;
+    }
+    EXPECT_EQ(framework().symbol("noSuchFunction"), nullptr);
+}
+
+TEST_F(Loader, ARelativeFolderIsMeantFromTheWorkingFolder) {
+    const fs::path before = fs::current_path();
+    fs::current_path(bundleUnderTest().parent_path());
+    EXPECT_EQ(framework().load(bundleUnderTest().filename()), switchIdentifier);
+    fs::current_path(before);
+    EXPECT_TRUE(framework().bundle(switchIdentifier)->folder().is_absolute());
+}
+
+TEST_F(Loader, AMissingFolderIsNoBundle) { expectRefused(bundle(), "not a bundle"); }
+
+TEST_F(Loader, AFolderWithoutAPropertyListIsNoBundle) {
+    fs::create_directory(bundle());
+    expectRefused(bundle(), "not a bundle");
+}
+
+TEST_F(Loader, AMalformedPropertyListMakesNoBundle) {
+    writeBytes(bundle() / "Info.plist", "<plist version=\"1.0\"><dict><key>");
+    expectRefused(bundle(), "not a bundle");
+    writeBytes(bundle() / "Info.plist", standin::writePropertyList(standin::Array{}));
+    expectRefused(bundle(), "not a bundle");
+}
+
+TEST_F(Loader, ABundleNeedsAnIdentifier) {
+    for (const Value& identifier : {Value{std::string{}}, Value{true}}) {
+        writeInfo(bundle(), {{"CFBundleIdentifier", identifier}});
+        expectRefused(bundle(), "no identifier");
+    }
+    writeInfo(bundle(), {});
+    expectRefused(bundle(), "no identifier");
+}
+
+TEST_F(Loader, ABundleNeedsAnExecutableInItsFolder) {
+    const std::string inFolder = bundleUnderTest() / "Quillet";
+    for (const std::string& executable : {std::string{}, inFolder, "../" + inFolder,
+                                          std::string{"sub/Quillet"}, std::string{"Quillet/"}}) {
+        writeInfo(bundle(), {{"CFBundleIdentifier", std::string{"a.switch"}},
+                             {"CFBundleExecutable", executable}});
+        expectRefused(bundle(), "names no executable");
+    }
+    writeInfo(bundle(), {{"CFBundleIdentifier", std::string{"a.switch"}}});
+    expectRefused(bundle(), "names no executable");
+}
+
+TEST_F(Loader, AnExecutableThatIsNoModuleIsRefused) {
+    copyBundle("CFBundleExecutable", std::string{"NoModule"});
+    expectRefused(bundle(), "NoModule");
+    for (const char* const bytes : {"", "#!/bin/sh\n",
+                                    "\x7F"
+                                    "ELF cut off"}) {
+        writeBytes(bundle() / "NoModule", bytes);
+        expectRefused(bundle(), "NoModule");
+    }
+    fs::remove(bundle() / "NoModule");
+    fs::create_directory(bundle() / "NoModule");
+    expectRefused(bundle(), "NoModule");
+}
+
+TEST_F(Loader, ThePrincipalClassMustBeOneOfTheModules) {
+    copyBundle("NSPrincipalClass", std::string{"OtherSwitch"});
+    expectRefused(bundle(), "no principal class \"OtherSwitch\"");
+    EXPECT_EQ(framework().dataSource(switchIdentifier), nullptr);
+}
+
+TEST_F(Loader, ABundleNeedsAPrincipalClass) {
+    copyBundle("NSPrincipalClass", false);
+    expectRefused(bundle(), "no principal class \"\"");
+}
+
+TEST_F(Loader, ASwitchIsLoadedOnce) {
+    framework().load(bundleUnderTest());
+    forgetCalls();
+    expectRefused(bundleUnderTest(), "is loaded already");
+    copyBundle("CFBundleDisplayName", std::string{"Copy"});
+    expectRefused(bundle(), "is loaded already");
+    EXPECT_THAT(calls(), IsEmpty()) << "the class was not sent load again";
+    EXPECT_EQ(framework().bundle(switchIdentifier)->folder(), bundleUnderTest());
+}
+
+TEST_F(Loader, AfterAFailureTheSameSwitchCanBeLoaded) {
+    copyBundle("CFBundleExecutable", std::string{"NoModule"});
+    expectRefused(bundle(), "NoModule");
+    EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
+    EXPECT_EQ(framework().bundle(switchIdentifier)->folder(), bundleUnderTest());
+}
+
+TEST_F(Loader, AClassBelongsToTheBundleThatDefinesIt) {
+    framework().load(bundleUnderTest());
+    EXPECT_EQ(framework().bundleOf(Class{}).info("CFBundleIdentifier"), "com.apple.springboard");
+    EXPECT_EQ(standin::text(NSBundle::bundleForClass(Class{}).bundleIdentifier()),
+              "com.apple.springboard");
+    standin::SharedInstance stranger{"Stranger"};
+    EXPECT_EQ(framework().bundleOf(Class{standin::word(stranger)}).info("CFBundleIdentifier"),
+              "com.apple.springboard");
+}
+
+TEST_F(Loader, ThePanelAsksTheSwitchOnceAndDrawsItsAnswer) {
+    framework().load(bundleUnderTest());
+    std::vector<std::pair<std::string, FSSwitchState>> drawn;
+    framework().setRedraw([&](std::string_view identifier, FSSwitchState state) {
+        drawn.emplace_back(identifier, state);
+    });
+    forgetCalls();
+    FSSwitchPanel::sharedPanel().stateDidChangeForSwitchIdentifier(switchIdentifier);
+    EXPECT_THAT(drawn, ElementsAre(std::pair{std::string{switchIdentifier}, FSSwitchStateOn}));
+    EXPECT_EQ(only(calls(), {"notify_get_state"}).size(), 1U);
+}
+
+TEST_F(Loader, ThePanelIgnoresAnUnknownIdentifier) {
+    framework().load(bundleUnderTest());
+    bool drawn = false;
+    framework().setRedraw([&](std::string_view, FSSwitchState) { drawn = true; });
+    forgetCalls();
+    const auto panel = FSSwitchPanel::sharedPanel();
+    panel.stateDidChangeForSwitchIdentifier("no.such.switch");
+    panel.stateDidChangeForSwitchIdentifier("");
+    panel.stateDidChangeForSwitchIdentifier(NSString{});
+    EXPECT_FALSE(drawn);
+    EXPECT_THAT(only(calls(), {"notify_get_state"}), IsEmpty());
+}
+
+TEST_F(Loader, ThePanelAsksEvenWhenNobodyDraws) {
+    framework().load(bundleUnderTest());
+    forgetCalls();
+    FSSwitchPanel::sharedPanel().stateDidChangeForSwitchIdentifier(switchIdentifier);
+    EXPECT_EQ(only(calls(), {"notify_get_state"}).size(), 1U);
+}
+
+}  // namespace
+}  // namespace quillet::test
