@@ -9,9 +9,23 @@ namespace quillet {
 
 using standin::TraceRecord;
 
+namespace {
+
+/// The user's choices on a new phone: the vibration is the switch's, when it mutes.
+standin::NewFile switchPreferences() {
+    return {
+        "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist",
+        {{"ios-vibrate-pattern", false}, {"vibrate-when-off", true}, {"vibrate-when-on", false}}};
+}
+
+}  // namespace
+
 HostProcess::HostProcess(const Options& options)
     : json_{options.json},
-      device_{{.root = options.root, .machine = options.machine, .host = options.host}} {
+      device_{{.root = options.root,
+               .newFiles = {switchPreferences()},
+               .machine = options.machine,
+               .host = options.host}} {
     if (options.traces) startTrace(options.traceFile);
     identifier_ = device_.framework.load(options.bundle);
     switch_ = device_.framework.dataSource(identifier_);
@@ -54,7 +68,7 @@ void HostProcess::apply(std::optional<std::int32_t> state) {
         switch_->applyActionForSwitchIdentifier(identifier());
     }
     // The switch's own post comes back to it, as in a host whose run loop goes on.
-    device_.runLoop.turn();
+    device_.eventLoop.turn();
     printState();
 }
 
@@ -62,9 +76,9 @@ void HostProcess::watch() {
     // No exception from here: the bundle's frames, which know none, are between us and watch().
     device_.framework.setRedraw([this](std::string_view /*identifier*/, FSSwitchState state) {
         print(state);
-        if (!std::cout || !traceFile_) device_.runLoop.stop();
+        if (!std::cout || !traceFile_) device_.eventLoop.stop();
     });
-    device_.runLoop.runUntil(std::numeric_limits<double>::infinity());
+    device_.eventLoop.runUntil(std::numeric_limits<double>::infinity());
     checkOutput();
 }
 

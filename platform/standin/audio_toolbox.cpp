@@ -6,7 +6,7 @@
 namespace quillet {
 
 void AudioServicesPlaySystemSound(SystemSoundID sound) {
-    standin::Device::current().trace.call("", "AudioServicesPlaySystemSound", sound);
+    standin::Device::current().trace.function("AudioServicesPlaySystemSound", sound);
 }
 
 }  // namespace quillet

@@ -2,40 +2,41 @@
 #include "platform/celestial.h"
 
 #include "platform/standin/device/device.h"
-#include "platform/standin/runtime/instance.h"
 
 namespace quillet {
 
+using standin::Answer;
 using standin::Device;
 using standin::Instance;
-using standin::send;
 using standin::TraceValue;
 
 AVSystemController AVSystemController::sharedAVSystemController() {
-    static standin::SharedInstance controller{"<AVSystemController>"};
-    Device::current().trace.answer(controller.description(), "AVSystemController",
-                                   "sharedAVSystemController");
+    Device& device = Device::current();
+    Instance& controller = *device.shared.volumeController;
+    device.trace.message("AVSystemController", "sharedAVSystemController",
+                         Answer{controller.description()});
     return standin::share<AVSystemController>(&controller);
 }
 
 BOOL AVSystemController::getVolume(float* volume, NSString forCategory) const {
-    return send(*this, [&](const Instance& controller) -> BOOL {
+    return standin::send(*this, [&](const Instance& controller) -> BOOL {
         Device& device = Device::current();
         const auto found = device.hardware.volume(standin::text(forCategory));
         if (found) *volume = *found;
-        device.trace.answer(found.has_value(), controller.description(), "getVolume:forCategory:",
-                            found ? standin::toTrace(*found) : TraceValue{}, forCategory);
+        device.trace.message(controller.description(), "getVolume:forCategory:",
+                             found ? standin::toTrace(*found) : TraceValue{}, forCategory,
+                             Answer{found.has_value()});
         return found.has_value();
     });
 }
 
 BOOL AVSystemController::setVolumeTo(float volume, NSString forCategory) const {
-    return send(*this, [&](const Instance& controller) -> BOOL {
+    return standin::send(*this, [&](const Instance& controller) -> BOOL {
         Device& device = Device::current();
-        const bool set = device.hardware.setVolume(standin::text(forCategory), volume);
-        device.trace.answer(set, controller.description(), "setVolumeTo:forCategory:", volume,
-                            forCategory);
-        return set;
+        const bool isSet = device.hardware.setVolume(standin::text(forCategory), volume);
+        device.trace.message(controller.description(), "setVolumeTo:forCategory:", volume,
+                             forCategory, Answer{isSet});
+        return isSet;
     });
 }
 

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "platform/standin/notifications/observers.h"
+#include "platform/notification_center.h"
 
-#include <algorithm>
-#include <utility>
+#include <string>
 
 #include "platform/standin/device/device.h"
-#include "platform/standin/runtime/instance.h"
 
-namespace quillet::standin {
+namespace quillet {
+
+using standin::Answer;
+using standin::Device;
 
 namespace {
 
@@ -21,40 +22,10 @@ CFNotificationCenterRef darwinCenter() {
 
 }  // namespace
 
-void NotificationCenter::add(Observer observer) {
-    NotificationTable::Entry* const entry = table_.findOrAdd(observer.name);
-    if (entry == nullptr) return;
-    registrations_.push_back({std::move(observer), entry, entry->posts.load()});
-}
-
-bool NotificationCenter::isPending() const {
-    return std::ranges::any_of(registrations_, [](const Registration& registration) {
-        return registration.entry->posts.load() != registration.postsSeen;
-    });
-}
-
-void NotificationCenter::deliver() {
-    // By index: a callback may add an observer.
-    for (std::size_t i = 0; i < registrations_.size(); ++i) {
-        const std::uint32_t posts = registrations_[i].entry->posts.load();
-        if (posts == registrations_[i].postsSeen) continue;
-        registrations_[i].postsSeen = posts;
-        const Observer observer = registrations_[i].observer;
-        observer.callback(darwinCenter(), observer.observer, makeString(observer.name),
-                          observer.object, nullptr);
-    }
-}
-
-}  // namespace quillet::standin
-
-namespace quillet {
-
-using standin::Device;
-
 CFNotificationCenterRef CFNotificationCenterGetDarwinNotifyCenter() {
-    Device::current().trace.answer(standin::centerDescription, "",
-                                   "CFNotificationCenterGetDarwinNotifyCenter");
-    return standin::darwinCenter();
+    Device::current().trace.function("CFNotificationCenterGetDarwinNotifyCenter",
+                                     Answer{centerDescription});
+    return darwinCenter();
 }
 
 void CFNotificationCenterAddObserver(CFNotificationCenterRef /*center*/, const void* observer,
@@ -63,22 +34,23 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef /*center*/, const v
                                      CFNotificationSuspensionBehavior suspensionBehavior) {
     Device& device = Device::current();
     const std::string nameText{standin::text(name)};
-    device.trace.call("", "CFNotificationCenterAddObserver", standin::centerDescription,
-                      standin::pointerTrace(observer), "<callback>", nameText,
-                      standin::pointerTrace(object), suspensionBehavior);
-    device.center.add({callback, const_cast<void*>(observer), nameText, object});
+    device.trace.function("CFNotificationCenterAddObserver", centerDescription,
+                          standin::pointerTrace(observer), "<callback>", nameText,
+                          standin::pointerTrace(object), suspensionBehavior);
+    device.observers.add(nameText, [=] {
+        callback(darwinCenter(), const_cast<void*>(observer), standin::makeString(nameText), object,
+                 nullptr);
+    });
 }
 
 void CFNotificationCenterPostNotification(CFNotificationCenterRef /*center*/, CFStringRef name,
                                           const void* object, CFDictionaryRef userInfo,
                                           Boolean deliverImmediately) {
     Device& device = Device::current();
-    device.trace.call("", "CFNotificationCenterPostNotification", standin::centerDescription,
-                      standin::text(name), standin::objectTrace(object),
-                      standin::pointerTrace(userInfo), deliverImmediately != 0);
-    if (auto* const entry = device.notifications.find(standin::text(name))) {
-        device.notifications.post(*entry);
-    }
+    device.trace.function("CFNotificationCenterPostNotification", centerDescription,
+                          standin::text(name), standin::objectTrace(object),
+                          standin::pointerTrace(userInfo), deliverImmediately != 0);
+    device.notifications.post(standin::text(name));
 }
 
 }  // namespace quillet

@@ -7,10 +7,10 @@
 #include <cstdlib>
 
 #include "platform/standin/device/device.h"
-#include "platform/standin/runtime/instance.h"
 
 namespace quillet {
 
+using standin::Answer;
 using standin::Device;
 using standin::Instance;
 using standin::send;
@@ -26,13 +26,13 @@ namespace {
 }
 
 /// Sends `selector` to an object that answers with a `reading` of its value, if it has one.
-template <class Answer, class Reading>
-Answer read(const Object& receiver, const char* selector, Reading reading) {
-    return send(receiver, [&](const Instance& instance) -> Answer {
+template <class Type, class Reading>
+Type read(const Object& receiver, const char* selector, Reading reading) {
+    return send(receiver, [&](const Instance& instance) -> Type {
         const standin::Value* const value = instance.propertyListValue();
         const auto answer = value != nullptr ? reading(*value) : std::nullopt;
         if (!answer) unrecognizedSelector(instance, selector);
-        Device::current().trace.answer(*answer, instance.description(), selector);
+        Device::current().trace.message(instance.description(), selector, Answer{*answer});
         return *answer;
     });
 }
@@ -57,8 +57,8 @@ Object::~Object() {
 BOOL Object::respondsToSelector(const char* selector) const {
     return send(*this, [&](const Instance& instance) -> BOOL {
         const bool answer = instance.respondsToSelector(selector);
-        Device::current().trace.answer(answer, instance.description(),
-                                       "respondsToSelector:", selector);
+        Device::current().trace.message(instance.description(), "respondsToSelector:", selector,
+                                        Answer{answer});
         return answer;
     });
 }
@@ -71,17 +71,10 @@ Class::Class(void* instance) noexcept : Object{instance} {
     send(*this, [](Instance& cls) { cls.retain(); });
 }
 
-NSString::NSString(const char* utf8) : NSString{standin::makeString(utf8)} {}
-
-NSString::NSString(CFStringRef string) noexcept
-    : Object{const_cast<void*>(static_cast<const void*>(string))} {
-    send(*this, [](Instance& instance) { instance.retain(); });
-}
-
-void* NSObject::operator new(size_t size) { return Device::current().allocate(size); }
+void* NSObject::operator new(size_t size) { return Device::current().storage.allocate(size); }
 
 void NSObject::operator delete(void* /*storage*/) noexcept {}
 
-NSObject::NSObject() { Device::current().trace.call("<NSObject>", "init"); }
+NSObject::NSObject() { Device::current().trace.message("<NSObject>", "init"); }
 
 }  // namespace quillet

@@ -5,12 +5,14 @@
 #include <utility>
 
 #include "platform/standin/device/device.h"
+#include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/dictionary_file.h"
 
 namespace quillet {
 
 using standin::adopt;
+using standin::Answer;
 using standin::Device;
 using standin::Instance;
 using standin::send;
@@ -27,14 +29,14 @@ Reference readDictionary(const char* receiver, const char* operation, const NSSt
     constexpr bool isMutable = std::is_same_v<Reference, NSMutableDictionary>;
     const auto dictionary =
         adopt<Reference>(content ? new ValueInstance{std::move(*content), isMutable} : nullptr);
-    device.trace.answer(dictionary, receiver, operation, path);
+    device.trace.message(receiver, operation, path, Answer{dictionary});
     return dictionary;
 }
 
 void set(const NSMutableDictionary& dictionary, const char* operation, const Object& value,
          const NSString& key) {
     send<ValueInstance>(dictionary, [&](ValueInstance& instance) {
-        Device::current().trace.call(instance.kind(), operation, value, key);
+        Device::current().trace.message(instance.className(), operation, value, key);
         auto& entries = std::get<standin::Dictionary>(instance.value);
         if (value) {
             entries.set(standin::text(key),
@@ -48,12 +50,13 @@ void set(const NSMutableDictionary& dictionary, const char* operation, const Obj
 }  // namespace
 
 NSNumber NSNumber::numberWithBool(BOOL value) {
-    Device::current().trace.answer(value != NO, "NSNumber", "numberWithBool:", value != NO);
-    return adopt<NSNumber>(new ValueInstance{value != NO});
+    const bool flag = value != NO;
+    Device::current().trace.message("NSNumber", "numberWithBool:", flag, Answer{flag});
+    return adopt<NSNumber>(new ValueInstance{flag});
 }
 
 NSNumber NSNumber::numberWithFloat(float value) {
-    Device::current().trace.answer(value, "NSNumber", "numberWithFloat:", value);
+    Device::current().trace.message("NSNumber", "numberWithFloat:", value, Answer{value});
     return adopt<NSNumber>(new ValueInstance{double{value}});
 }
 
@@ -70,7 +73,7 @@ Object NSDictionary::objectForKey(NSString key) const {
         const Value* const value =
             std::get<standin::Dictionary>(instance.value).find(standin::text(key));
         const auto found = adopt<Object>(value ? new ValueInstance{*value} : nullptr);
-        Device::current().trace.answer(found, instance.kind(), "objectForKey:", key);
+        Device::current().trace.message(instance.className(), "objectForKey:", key, Answer{found});
         return found;
     });
 }
@@ -88,7 +91,7 @@ NSMutableDictionary NSMutableDictionary::initWithContentsOfFile(NSString path) {
 NSMutableDictionary NSMutableDictionary::init() {
     const auto dictionary =
         adopt<NSMutableDictionary>(new ValueInstance{standin::Dictionary{}, true});
-    Device::current().trace.answer(dictionary, "NSMutableDictionary", "init");
+    Device::current().trace.message("NSMutableDictionary", "init", Answer{dictionary});
     return dictionary;
 }
 
@@ -105,15 +108,16 @@ BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
         Device& device = Device::current();
         const bool written = standin::writeFileAtomically(
             device.below(standin::text(path)), standin::writePropertyList(instance.value));
-        device.trace.answer(written, instance.kind(), "writeToFile:atomically:", path,
-                            atomically != NO);
+        device.trace.message(instance.className(), "writeToFile:atomically:", path,
+                             atomically != NO, Answer{written});
         return written;
     });
 }
 
 NSFileManager NSFileManager::defaultManager() {
-    static standin::SharedInstance manager{"<NSFileManager>"};
-    Device::current().trace.answer(manager.description(), "NSFileManager", "defaultManager");
+    Device& device = Device::current();
+    Instance& manager = *device.shared.fileManager;
+    device.trace.message("NSFileManager", "defaultManager", Answer{manager.description()});
     return standin::share<NSFileManager>(&manager);
 }
 
@@ -122,7 +126,7 @@ BOOL NSFileManager::fileExistsAtPath(NSString path) const {
         Device& device = Device::current();
         std::error_code error;
         const bool exists = std::filesystem::exists(device.below(standin::text(path)), error);
-        device.trace.answer(exists, manager.description(), "fileExistsAtPath:", path);
+        device.trace.message(manager.description(), "fileExistsAtPath:", path, Answer{exists});
         return exists;
     });
 }

@@ -1,18 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "platform/springboard_classes.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/standin/device/device.h"
-#include "platform/standin/runtime/instance.h"
 
 namespace quillet {
 
+using standin::Answer;
 using standin::Device;
 using standin::Host;
+using standin::HostInstance;
 using standin::Instance;
 using standin::send;
 
@@ -24,29 +24,13 @@ constexpr char activateSelector[] = "activate:";
 constexpr char muteSelector[] = "setRingerMuted:";
 constexpr char sharedInstanceSelector[] = "sharedInstance";
 
-/// A class of the host or an instance of one, and what it responds to.
-class HostObject final : public Instance {
-public:
-    HostObject(std::string description, std::vector<std::string> selectors)
-        : description_{std::move(description)}, selectors_{std::move(selectors)} {}
-
-    std::string description() const override { return description_; }
-
-    bool respondsToSelector(std::string_view selector) const override {
-        return std::ranges::find(selectors_, selector) != selectors_.end();
-    }
-
-private:
-    std::string description_;
-    std::vector<std::string> selectors_;
-};
-
 /// A class of the host, nil when it has none by that name.
 template <class Reference>
 Reference lookUp(const char* name, bool isPresent, std::vector<std::string> selectors) {
-    const auto cls =
-        standin::adopt<Reference>(isPresent ? new HostObject{name, std::move(selectors)} : nullptr);
-    Device::current().trace.answer(cls, "", "NSClassFromString", name);
+    const auto cls = standin::adopt<Reference>(
+        isPresent ? new HostInstance{name, HostInstance::Kind::cls, std::move(selectors)}
+                  : nullptr);
+    Device::current().trace.function("NSClassFromString", name, Answer{cls});
     return cls;
 }
 
@@ -54,8 +38,10 @@ Reference lookUp(const char* name, bool isPresent, std::vector<std::string> sele
 template <class Reference>
 Reference instanceOf(const Instance& cls, bool isPresent, std::vector<std::string> selectors) {
     const auto instance = standin::adopt<Reference>(
-        isPresent ? new HostObject{"<" + cls.description() + ">", std::move(selectors)} : nullptr);
-    Device::current().trace.answer(instance, cls.description(), sharedInstanceSelector);
+        isPresent
+            ? new HostInstance{cls.className(), HostInstance::Kind::instance, std::move(selectors)}
+            : nullptr);
+    Device::current().trace.message(cls.description(), sharedInstanceSelector, Answer{instance});
     return instance;
 }
 
@@ -82,7 +68,7 @@ SBRingerHUDController SBRingerHUDController::sharedInstance() const {
 void SBRingerHUDController::activate(int state) const {
     send(*this, [&](const Instance& receiver) {
         if (!receiver.respondsToSelector(activateSelector)) return;
-        Device::current().trace.call(receiver.description(), activateSelector, state);
+        Device::current().trace.message(receiver.description(), activateSelector, state);
     });
 }
 
@@ -105,7 +91,7 @@ void SBMediaController::setRingerMuted(BOOL muted) const {
     send(*this, [&](const Instance& receiver) {
         if (!receiver.respondsToSelector(muteSelector)) return;
         Device& device = Device::current();
-        device.trace.call(receiver.description(), muteSelector, muted != NO);
+        device.trace.message(receiver.description(), muteSelector, muted != NO);
         device.hardware.setRingerMuted(muted != NO);
     });
 }

@@ -12,14 +12,14 @@
 
 namespace quillet {
 
+using standin::Answer;
 using standin::Device;
+using standin::DeviceRoot;
 
 namespace {
 
 /// GraphicsServices is the one library that is ever opened: the file below the device root says
 /// whether the device has it, and this stands for what it holds.
-constexpr std::string_view libraryPath =
-    "/System/Library/PrivateFrameworks/GraphicsServices.framework/GraphicsServices";
 char library = 0;
 
 template <std::size_t size>
@@ -39,21 +39,22 @@ int __wrap_uname(utsname* name) {
     fill(name->release, "14.0.0");
     fill(name->version, "Darwin Kernel Version 14.0.0");
     fill(name->machine, device.machine);
-    device.trace.answer(0, "", "uname", name->machine);
+    device.trace.function("uname", name->machine, Answer{0});
     return 0;
 }
 
 char* __wrap_strstr(const char* text, const char* part) {
     char* const place = std::strstr(const_cast<char*>(text), part);
-    Device::current().trace.answer(place != nullptr, "", "strstr", text, part);
+    Device::current().trace.function("strstr", text, part, Answer{place != nullptr});
     return place;
 }
 
 void* __wrap_dlopen(const char* path, int mode) {
     Device& device = Device::current();
     std::error_code error;
-    const bool opened = path == libraryPath && std::filesystem::exists(device.below(path), error);
-    device.trace.answer(opened, "", "dlopen", path, mode);
+    const bool opened = std::string_view{path} == DeviceRoot::graphicsServicesPath &&
+                        std::filesystem::exists(device.below(path), error);
+    device.trace.function("dlopen", path, mode, Answer{opened});
     if (!opened) return nullptr;
     ++device.openLibraries;
     return &library;
@@ -62,7 +63,7 @@ void* __wrap_dlopen(const char* path, int mode) {
 void* __wrap_dlsym(void* handle, const char* symbol) {
     const bool found =
         handle == &library && std::string_view{symbol} == "GSSendAppPreferencesChanged";
-    Device::current().trace.answer(found, "", "dlsym", handle ? "<library>" : "", symbol);
+    Device::current().trace.function("dlsym", handle ? "<library>" : "", symbol, Answer{found});
     return found ? reinterpret_cast<void*>(&GSSendAppPreferencesChanged) : nullptr;
 }
 
@@ -70,7 +71,7 @@ int __wrap_dlclose(void* handle) {
     Device& device = Device::current();
     const int status = handle == &library && device.openLibraries > 0 ? 0 : -1;
     if (status == 0) --device.openLibraries;
-    device.trace.answer(status, "", "dlclose", "<library>");
+    device.trace.function("dlclose", "<library>", Answer{status});
     return status;
 }
 

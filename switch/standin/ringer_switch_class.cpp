@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "platform/standin/flipswitch.h"
 #include "platform/standin/runtime/data_source.h"
 #include "switch/ringer_switch.h"
 

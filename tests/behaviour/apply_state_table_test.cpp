@@ -292,7 +292,7 @@ class ApplyStateTable : public ::testing::TestWithParam<std::tuple<std::int32_t,
 protected:
     /// Puts the phone into the case's situation, as new but for its clock.
     void prepare(const Case& situation) {
-        phone_.device().runLoop.turn();
+        phone_.device().eventLoop.turn();
         phone_.device().host = situation.host;
         phone_.device().tokens.refuse(!situation.registers);
         phone_.device().hardware.setVolume("Ringtone", 0.75F);

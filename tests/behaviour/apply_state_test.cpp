@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/instances.h"
 #include "tests/support/phone.h"
 
 namespace quillet::test {
@@ -123,7 +123,7 @@ TEST(ApplyState, PutsTheSystemsVibrationSettingsBack) {
     const Dictionary settings = {{"ring-vibrate", false}, {"silent-vibrate", true}};
     phone.write(springBoardPath, settings);
     std::optional<Dictionary> meanwhile;
-    phone.device().runLoop.at(0.25, [&] { meanwhile = phone.dictionary(springBoardPath); });
+    phone.device().eventLoop.at(0.25, [&] { meanwhile = phone.dictionary(springBoardPath); });
     phone.apply(1);
     EXPECT_EQ(meanwhile, (Dictionary{{"ring-vibrate", false}, {"silent-vibrate", false}}));
     EXPECT_EQ(phone.dictionary(springBoardPath), settings);
@@ -163,7 +163,7 @@ TEST(ApplyState, AsksForTheDefaultPatternAgainAfterTheMute) {
     // A setter called while the first wait lets the run loop turn counts for the second half.
     Phone phone;
     phone.write(preferencesPath, ownVibration(true, true));
-    phone.device().runLoop.at(0.25, [&] { phone.preferences().setDefaultVibrationPattern(YES); });
+    phone.device().eventLoop.at(0.25, [&] { phone.preferences().setDefaultVibrationPattern(YES); });
     phone.apply(1);
     EXPECT_EQ(only(phone.calls(), {"runUntilDate:"}).size(), 1U);
     EXPECT_EQ(vibrations(phone), 0U);
@@ -172,7 +172,7 @@ TEST(ApplyState, AsksForTheDefaultPatternAgainAfterTheMute) {
 TEST(ApplyState, AsksForTheVibrationOnlyAfterTheSettingsAreBack) {
     Phone phone;
     phone.write(preferencesPath, ownVibration(true, false));
-    phone.device().runLoop.at(0.75, [&] { phone.preferences().setVibrateWhenOn(YES); });
+    phone.device().eventLoop.at(0.75, [&] { phone.preferences().setVibrateWhenOn(YES); });
     phone.apply(1);
     EXPECT_EQ(vibrations(phone), 1U);
 }
@@ -309,7 +309,7 @@ TEST(ApplyState, OnOnAnIPodPausesAndRestoresTheVolumeAfterTheVibration) {
 TEST(ApplyState, OnOnAnIPodServesNothingDuringThePause) {
     Phone phone{{.machine = "iPod5,1"}};
     bool served = false;
-    phone.device().runLoop.at(0.125, [&] { served = true; });
+    phone.device().eventLoop.at(0.125, [&] { served = true; });
     phone.apply(1);
     EXPECT_EQ(phone.device().clock.now(), 0.25);
     EXPECT_FALSE(served);
@@ -362,8 +362,8 @@ TEST(ApplyState, ReadsTheOldStateInTheFirstWaitAndTheNewOneInTheSecond) {
     phone.device().framework.setRedraw([&](std::string_view, FSSwitchState state) {
         redraws.emplace_back(phone.device().clock.now(), state);
     });
-    phone.device().runLoop.at(0.25, [&] { phone.post(ringerStateName); });
-    phone.device().runLoop.at(0.75, [&] { phone.post(ringerStateName); });
+    phone.device().eventLoop.at(0.25, [&] { phone.post(ringerStateName); });
+    phone.device().eventLoop.at(0.75, [&] { phone.post(ringerStateName); });
     phone.apply(0);
     EXPECT_THAT(redraws,
                 ElementsAre(std::pair(0.25, FSSwitchStateOn), std::pair(0.5, FSSwitchStateOff),
@@ -377,7 +377,7 @@ TEST(ApplyState, IsRefreshedAfterwardsWhereItDoesNotWait) {
         [&](std::string_view, FSSwitchState state) { redraws.push_back(state); });
     phone.apply(0);
     EXPECT_THAT(redraws, IsEmpty());
-    phone.device().runLoop.turn();
+    phone.device().eventLoop.turn();
     EXPECT_THAT(redraws, ElementsAre(FSSwitchStateOff));
 }
 
@@ -385,7 +385,7 @@ TEST(ApplyState, MayBeAskedForAnotherStateWhileItWaits) {
     // The host's own input falls due in the first wait and flips the switch the other way.
     Phone phone;
     phone.write(preferencesPath, ownVibration(false, false));
-    phone.device().runLoop.at(0.25, [&] { phone.apply(1); });
+    phone.device().eventLoop.at(0.25, [&] { phone.apply(1); });
     phone.apply(0);
     EXPECT_EQ(phone.stateWord(), 0U) << "the outer call stores last";
     EXPECT_EQ(phone.device().tokens.count(), 0U);
@@ -411,8 +411,8 @@ TEST(ApplyState, TakesAtLeastASecondInRealTimeAndReadsTheStateOfTheMoment) {
     phone.device().framework.setRedraw(
         [&](std::string_view, FSSwitchState state) { redraws.push_back(state); });
     const double start = phone.device().clock.now();
-    phone.device().runLoop.at(start + 0.25, [&] { phone.post(ringerStateName); });
-    phone.device().runLoop.at(start + 0.75, [&] { phone.post(ringerStateName); });
+    phone.device().eventLoop.at(start + 0.25, [&] { phone.post(ringerStateName); });
+    phone.device().eventLoop.at(start + 0.75, [&] { phone.post(ringerStateName); });
     phone.apply(0);
     EXPECT_GE(phone.device().clock.now() - start, 1.0);
     // On a busy machine the last two refreshes may fall together.

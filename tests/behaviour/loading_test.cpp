@@ -68,6 +68,7 @@ TEST(Loading, CreatesThePreferencesForGood) {
 
 TEST(Loading, WithoutRoomForItsObserverStillAnswersButIsNotRefreshed) {
     const TemporaryFolder folder;
+    standin::makeNewPhone(folder.path() / "root", {});
     const standin::DeviceRoot root{folder.path() / "root"};
     const auto table = root.below(standin::DeviceRoot::notificationsPath);
     std::filesystem::remove(table);
@@ -85,7 +86,7 @@ TEST(Loading, WithoutRoomForItsObserverStillAnswersButIsNotRefreshed) {
     auto* const source = device.framework.dataSource(switchIdentifier);
     EXPECT_EQ(source->stateForSwitchIdentifier(switchIdentifier), FSSwitchStateOff);
     source->applyState(FSSwitchStateOn, switchIdentifier);
-    device.runLoop.runUntil(1);
+    device.eventLoop.runUntil(1);
     EXPECT_FALSE(isRedrawn);
 }
 
@@ -100,7 +101,7 @@ TEST(RingerStateChanged, RefreshesTheSwitchByItsBundlesIdentifier) {
     phone.setStateWord(1);
     phone.log().clear();
     phone.post(ringerStateName);
-    phone.device().runLoop.turn();
+    phone.device().eventLoop.turn();
     EXPECT_THAT(phone.calls(), ElementsAreArray(reported(joined(refresh, readingOf("1")))));
 }
 
@@ -109,7 +110,7 @@ TEST(RingerStateChanged, RefreshesOnceForEveryNotification) {
     phone.log().clear();
     for (int i = 0; i < 3; ++i) {
         phone.post(ringerStateName);
-        phone.device().runLoop.turn();
+        phone.device().eventLoop.turn();
     }
     EXPECT_EQ(only(phone.calls(), {"stateDidChangeForSwitchIdentifier:"}).size(), 3U);
 }
@@ -118,7 +119,7 @@ TEST(RingerStateChanged, IsNotCalledForOtherNames) {
     Phone phone;
     phone.log().clear();
     phone.post("com.apple.springboard.ring-vibrate.changed");
-    phone.device().runLoop.turn();
+    phone.device().eventLoop.turn();
     EXPECT_THAT(phone.calls(), IsEmpty());
 }
 
@@ -126,7 +127,7 @@ TEST(RingerStateChanged, ComesBackForTheSwitchsOwnPost) {
     Phone phone;
     phone.apply(0);
     phone.log().clear();
-    phone.device().runLoop.turn();
+    phone.device().eventLoop.turn();
     EXPECT_THAT(phone.calls(), ElementsAreArray(reported(joined(refresh, readingOf("0")))));
 }
 

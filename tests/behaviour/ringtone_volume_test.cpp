@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/instances.h"
 #include "tests/support/no_room.h"
 #include "tests/support/phone.h"
 

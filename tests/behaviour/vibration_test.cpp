@@ -279,10 +279,10 @@ TEST_F(Vibration, ServesTimersAndObserversWhileItWaits) {
     phone.setStateWord(1);
     std::vector<double> timers;
     const auto note = [&] { timers.push_back(phone.device().clock.now()); };
-    phone.device().runLoop.at(0.25, note);
-    phone.device().runLoop.at(0.5, note);
-    phone.device().runLoop.at(0.75, note);
-    phone.device().runLoop.at(0.125, [&] { phone.post(ringerStateName); });
+    phone.device().eventLoop.at(0.25, note);
+    phone.device().eventLoop.at(0.5, note);
+    phone.device().eventLoop.at(0.75, note);
+    phone.device().eventLoop.at(0.125, [&] { phone.post(ringerStateName); });
     phone.log().clear();
     turnOff();
     EXPECT_THAT(timers, ElementsAreArray({0.25, 0.5}));
@@ -352,7 +352,7 @@ TEST_F(Announcements, AtTheDarwinCentreArePostedOnSpringBoardsBehalf) {
 TEST_F(Announcements, AtTheDarwinCentreReachTheSwitchItself) {
     phone.log().clear();
     phone.exported<void(CFStringRef)>("notifyDarwinCenter")(NSString(ringerStateName));
-    phone.device().runLoop.turn();
+    phone.device().eventLoop.turn();
     EXPECT_EQ(only(phone.calls(), {"stateDidChangeForSwitchIdentifier:"}).size(), 1U);
 }
 

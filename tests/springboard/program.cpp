@@ -13,7 +13,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/standin/device/root.h"
+#include "platform/standin/device/new_phone.h"
 #include "platform/standin/plist/property_list.h"
 
 namespace quillet::test {
@@ -93,7 +93,7 @@ Words linesOf(const std::string& text) {
 }
 
 SpringBoard::SpringBoard() {
-    standin::DeviceRoot{root()};
+    standin::makeNewPhone(root(), {});
     write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", true}});
 }
 

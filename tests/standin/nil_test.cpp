@@ -82,7 +82,7 @@ TEST_F(Nil, AFileManagerFindsNoFile) {
 
 TEST_F(Nil, ARunLoopDoesNotRun) {
     bool ran = false;
-    device().runLoop.at(0, [&] { ran = true; });
+    device().eventLoop.at(0, [&] { ran = true; });
     NSRunLoop{}.runUntilDate(NSDate{});
     EXPECT_FALSE(ran);
     EXPECT_EQ(device().clock.now(), 0.0);

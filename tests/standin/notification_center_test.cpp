@@ -39,7 +39,7 @@ protected:
         return [this, word](CFStringRef) { notes_.push_back(word); };
     }
     const std::vector<std::string>& notes() const { return notes_; }
-    void turn() { device().runLoop.turn(); }
+    void turn() { device().eventLoop.turn(); }
 
 private:
     std::vector<std::string> notes_;
@@ -81,7 +81,7 @@ TEST_F(Center, PostsOfOtherNamesCallNobody) {
     observe("another.name", others);
     notify_post("another.name");
     notify_post("a.name.more");
-    EXPECT_TRUE(device().center.isPending());
+    EXPECT_TRUE(device().observers.isPending());
     turn();
     EXPECT_THAT(notes(), ElementsAre("other"));
 }

@@ -137,7 +137,7 @@ TEST(Flips, LeakNoObject) {
     phone.write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}});
     const auto flipBothWays = [&] {
         for (const int state : {0, 1, 2, -1}) phone.apply(state);
-        phone.device().runLoop.turn();
+        phone.device().eventLoop.turn();
         phone.dataSource().titleForSwitchIdentifier(switchIdentifier);
         phone.state();
     };
@@ -156,14 +156,14 @@ TEST(Devices, LeaveNoObjectBehind) {
     {
         Phone phone;
         phone.apply(0);
-        phone.device().runLoop.turn();
+        phone.device().eventLoop.turn();
     }
     { const Phone phone; }
     const int after = Instance::live();
     {
         Phone phone;
         phone.apply(0);
-        phone.device().runLoop.turn();
+        phone.device().eventLoop.turn();
     }
     EXPECT_EQ(Instance::live(), after);
     EXPECT_LE(before, after);

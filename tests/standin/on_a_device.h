@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/standin/device/device.h"
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/instances.h"
 #include "tests/support/calls.h"
 #include "tests/support/temporary_folder.h"
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/property_list.h"
+#include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "tests/standin/on_a_device.h"
 

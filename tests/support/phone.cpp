@@ -4,8 +4,10 @@
 #include <stdexcept>
 #include <utility>
 
+#include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/dictionary_file.h"
+#include "platform/standin/runtime/instances.h"
 #include "tests/support/under_test.h"
 
 namespace quillet::test {
@@ -19,7 +21,6 @@ Phone::Phone(const PhoneOptions& options)
                .host = options.host,
                .clock = options.clock,
                .openModule = moduleOpener()}} {
-    remove(preferencesPath);
     device_.trace.setSink([this](const standin::TraceRecord& record) {
         log_.add(record);
         if (!tokenWork_ || record.operation != "notify_register_check") return;

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/device/device.h"
 
-#include <utility>
+#include <cstdio>
+#include <cstdlib>
 
 namespace quillet::standin {
 
@@ -11,26 +12,29 @@ Device* currentDevice = nullptr;
 
 }  // namespace
 
-Device::Device(DeviceOptions options)
+Device::Device(const DeviceOptions& options)
     : clock{options.clock},
-      root{options.root},
-      machine{std::move(options.machine)},
+      root{makeNewPhone(options.root, options.newFiles)},
+      machine{options.machine},
       host{options.host},
+      trace{clock},
       hardware{below(DeviceRoot::hardwarePath)},
       notifications{below(DeviceRoot::notificationsPath)},
       tokens{notifications},
-      center{notifications},
-      runLoop{clock, notifications, center},
-      framework{options.openModule} {
+      observers{notifications},
+      eventLoop{clock, notifications, observers},
+      framework{options.openModule, observers} {
     currentDevice = this;
 }
 
 Device::~Device() { currentDevice = nullptr; }
 
-Device& Device::current() { return *currentDevice; }
-
-void* Device::allocate(std::size_t size) {
-    return allocations_.emplace_back(std::make_unique<std::byte[]>(size)).get();
+Device& Device::current() {
+    if (currentDevice == nullptr) {
+        std::fputs("the platform was called without a device\n", stderr);
+        std::abort();
+    }
+    return *currentDevice;
 }
 
 }  // namespace quillet::standin

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstddef>
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,11 +10,14 @@
 #include "platform/standin/device/event_loop.h"
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/host_variant.h"
+#include "platform/standin/device/new_phone.h"
 #include "platform/standin/device/root.h"
+#include "platform/standin/device/storage.h"
 #include "platform/standin/device/trace.h"
 #include "platform/standin/notifications/notification_table.h"
 #include "platform/standin/notifications/observers.h"
 #include "platform/standin/notifications/tokens.h"
+#include "platform/standin/runtime/instances.h"
 #include "platform/standin/runtime/module.h"
 #include "platform/standin/runtime/switch_framework.h"
 
@@ -25,6 +26,8 @@ namespace quillet::standin {
 /// How a device is, beyond what its root says.
 struct DeviceOptions {
     std::filesystem::path root;
+    /// What the root holds if it is made for this device.
+    std::vector<NewFile> newFiles = {};
     /// The model, as uname tells it.
     std::string machine = "iPhone6,1";
     Host host = {};
@@ -35,20 +38,23 @@ struct DeviceOptions {
 /// The device as one process sees it, with all that the process owns. There is one at a time.
 class Device {
 public:
-    /// Throws std::runtime_error when the root cannot be used.
-    explicit Device(DeviceOptions options);
+    /// Makes the root a new phone if it is absent or empty. Throws std::runtime_error when it
+    /// cannot be used, and there is no device then.
+    explicit Device(const DeviceOptions& options);
     ~Device();
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
 
+    /// The device of this process, owned by whoever made it. Ends the process with a message when
+    /// there is none. For the faces of the platform alone: whatever stands below them is handed
+    /// what it uses.
     static Device& current();
 
     std::filesystem::path below(std::string_view devicePath) const {
         return root.below(devicePath);
     }
 
-    /// `size` bytes, all zero, which the process keeps until it ends.
-    void* allocate(std::size_t size);
+    // In the order in which they are made: each may refer to those above it.
 
     /// First, as the process begins here.
     Clock clock;
@@ -59,16 +65,13 @@ public:
     Hardware hardware;
     NotificationTable notifications;
     Tokens tokens;
-    NotificationCenter center;
-    RunLoop runLoop;
+    Observers observers;
+    EventLoop eventLoop;
     /// Handles that dlopen gave and dlclose has not taken back.
     int openLibraries = 0;
-
-private:
-    std::vector<std::unique_ptr<std::byte[]>> allocations_;
-
-public:
-    /// The last member: what it has loaded goes before all that it uses.
+    Storage storage;
+    SharedInstances shared;
+    /// Last: what it has loaded goes before all that it uses.
     SwitchFramework framework;
 };
 

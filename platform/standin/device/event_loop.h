@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <utility>
 
 #include "platform/standin/device/clock.h"
 #include "platform/standin/notifications/notification_table.h"
@@ -10,34 +12,47 @@
 
 namespace quillet::standin {
 
-/// The event loop of the main thread: timers, and the observers of the notification centre.
-class RunLoop {
+/// The event loop of the main thread: timers, and the observers of notifications. What it runs may
+/// run it again, as the bundle's waits do.
+class EventLoop {
 public:
     using Work = std::function<void()>;
 
-    RunLoop(Clock& clock, NotificationTable& table, NotificationCenter& center)
-        : clock_{clock}, table_{table}, center_{center} {}
+    /// All three must outlive the loop.
+    EventLoop(Clock& clock, NotificationTable& table, Observers& observers)
+        : clock_{clock}, table_{table}, observers_{observers} {}
 
-    /// Runs `work` once, in the first turn at or after `time`. Work for the same time runs in the
-    /// order in which it was added.
+    /// Runs `work` once, in the first turn at or after `time`, in seconds of the clock. Work for
+    /// the same time runs in the order in which it was added.
     void at(double time, Work work);
 
-    /// Runs what is due now, each piece once, and does not wait.
+    /// Runs what was due when the turn began, each piece once, and does not wait. What becomes due
+    /// meanwhile is left to the next turn.
     void turn();
 
-    /// Turns until `limit`, waiting in between for the next timer or post.
+    /// Turns until `limit`, at least once, waiting in between for the next timer or post.
     void runUntil(double limit);
 
-    /// Has the innermost runUntil that is under way return when its turn is over.
-    void stop() { isStopped_ = true; }
+    /// Has the outermost runUntil that is under way, the host's own, return when those inside it
+    /// have ended and its turn is over. Does nothing when none is.
+    void stop() { isStopped_ = depth_ > 0; }
 
 private:
+    /// A piece that is due at `now` and was added before the one numbered `end`; empty when there
+    /// is none.
+    Work takeDue(double now, std::uint64_t end);
+    double nextTime(double limit) const;
+    bool isEnding() const { return isStopped_ && depth_ == 1; }
     void waitUntil(double time);
 
     Clock& clock_;
     NotificationTable& table_;
-    NotificationCenter& center_;
-    std::multimap<double, Work> timers_;
+    Observers& observers_;
+    /// By time, and by the number of adding where that is the same.
+    std::map<std::pair<double, std::uint64_t>, Work> timers_;
+    std::uint64_t added_ = 0;
+    /// How many runUntil are under way, each inside the one before.
+    int depth_ = 0;
     bool isStopped_ = false;
 };
 

@@ -2,15 +2,16 @@
 #include "platform/standin/device/hardware.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <utility>
 
+#include "platform/standin/files/descriptor.h"
+#include "platform/standin/files/file.h"
+#include "platform/standin/files/file_lock.h"
 #include "platform/standin/plist/property_list.h"
+#include "platform/standin/runtime/dictionary_file.h"
 
 namespace quillet::standin {
 
@@ -23,20 +24,16 @@ constexpr char volumesKey[] = "volumes";
 float inRange(float volume) { return std::isnan(volume) ? 0.0F : std::clamp(volume, 0.0F, 1.0F); }
 
 /// Keeps other processes from changing the file at `path` while this one does. The folder is what
-/// is locked: the file itself is replaced. The kernel gives the lock back when its holder dies.
-class Lock {
+/// is locked: the file itself is replaced.
+class Turn {
 public:
-    explicit Lock(const std::filesystem::path& path)
-        : folder_{open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)} {
-        while (flock(folder_, LOCK_EX) != 0 && errno == EINTR) {
-        }
-    }
-    ~Lock() { close(folder_); }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
+    explicit Turn(const std::filesystem::path& path)
+        : folder_{open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)},
+          lock_{folder_.number()} {}
 
 private:
-    int folder_;
+    Descriptor folder_;
+    FileLock lock_;
 };
 
 Dictionary volumesOf(const Dictionary& state) {
@@ -47,8 +44,8 @@ Dictionary volumesOf(const Dictionary& state) {
 
 }  // namespace
 
-bool Hardware::create(const std::filesystem::path& path) {
-    return Hardware{path}.write({{mutedKey, false}, {volumesKey, Dictionary{{"Ringtone", 0.75}}}});
+Dictionary Hardware::newState() {
+    return {{mutedKey, false}, {volumesKey, Dictionary{{"Ringtone", 0.75}}}};
 }
 
 std::optional<Dictionary> Hardware::read() const { return readDictionary(path_); }
@@ -65,7 +62,7 @@ std::optional<float> Hardware::volume(std::string_view category) const {
 }
 
 bool Hardware::setVolume(std::string_view category, float volume) {
-    const Lock lock{path_};
+    const Turn turn{path_};
     Dictionary state = read().value_or(Dictionary{});
     Dictionary volumes = volumesOf(state);
     if (volumes.find(category) == nullptr) return false;
@@ -81,7 +78,7 @@ bool Hardware::isRingerMuted() const {
 }
 
 void Hardware::setRingerMuted(bool muted) {
-    const Lock lock{path_};
+    const Turn turn{path_};
     auto state = read();
     if (!state) return;
     state->set(mutedKey, muted);

@@ -13,8 +13,8 @@ namespace quillet::standin {
 /// It is kept in a property list, shared by every process of the device, and read at each use.
 class Hardware {
 public:
-    /// Writes the file of a new device. False when that fails.
-    static bool create(const std::filesystem::path& path);
+    /// What the file of a new device holds.
+    static Dictionary newState();
 
     explicit Hardware(std::filesystem::path path) : path_{std::move(path)} {}
 

@@ -13,14 +13,26 @@ public:
     /// Hardware keeps. Paths of the device.
     static constexpr char notificationsPath[] = "/var/run/notifications";
     static constexpr char hardwarePath[] = "/var/db/hardware.plist";
+    /// The library that the device has while the file is there.
+    static constexpr char graphicsServicesPath[] =
+        "/System/Library/PrivateFrameworks/GraphicsServices.framework/GraphicsServices";
 
-    /// Takes the folder at `path`. One that is absent or empty is filled with a new phone's files,
-    /// its ringer on. Throws std::runtime_error when the folder cannot be used; one that holds
-    /// something other than a device is left as it is.
+    /// Takes the device in the folder at `path` and changes nothing. Throws std::runtime_error when
+    /// there is none.
     explicit DeviceRoot(const std::filesystem::path& path);
 
     /// Where `devicePath`, an absolute path of the device, lies on this machine.
-    std::filesystem::path below(std::string_view devicePath) const;
+    std::filesystem::path below(std::string_view devicePath) const {
+        return below(path_, devicePath);
+    }
+
+    /// The same for the device in the folder `root`.
+    static std::filesystem::path below(const std::filesystem::path& root,
+                                       std::string_view devicePath);
+
+    /// `path` as it is from wherever: absolute, free of links as far as it exists, without a slash
+    /// at its end. Throws std::filesystem::filesystem_error when it cannot be followed.
+    static std::filesystem::path locate(const std::filesystem::path& path);
 
 private:
     std::filesystem::path path_;

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/standin/device/device.h"
 #include "platform/standin/plist/utf8.h"
 #include "platform/standin/runtime/instance.h"
 
@@ -111,11 +110,6 @@ TraceValue objectTrace(const void* object) {
 
 TraceValue pointerTrace(const void* pointer) {
     return pointer == nullptr ? TraceValue{} : TraceValue{"<pointer>"};
-}
-
-void Trace::add(TraceRecord record) {
-    record.time = Device::current().clock.now();
-    sink_(std::move(record));
 }
 
 }  // namespace quillet::standin

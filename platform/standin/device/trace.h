@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/object.h"
+#include "platform/standin/device/clock.h"
 
 namespace quillet::standin {
 
@@ -65,37 +66,52 @@ TraceValue toTrace(Value value) {
     return value;
 }
 
+/// What an operation answered, to stand behind its arguments.
+template <class Result>
+struct Answer {
+    const Result& result;
+};
+
+template <class Result>
+Answer(const Result&) -> Answer<Result>;
+
 /// Hands every operation to a sink as it is called, or does nothing while there is none.
 class Trace {
 public:
     using Sink = std::function<void(TraceRecord)>;
 
+    /// `clock`, which gives the records their time, must outlive the trace.
+    explicit Trace(const Clock& clock) : clock_{clock} {}
+
+    /// The sink must not throw.
     void setSink(Sink sink) { sink_ = std::move(sink); }
 
-    /// Records an operation that has no result.
-    template <class... Arguments>
-    void call(std::string_view receiver, std::string_view operation,
-              const Arguments&... arguments) {
-        if (sink_)
-            add({0, std::string{receiver}, std::string{operation}, {toTrace(arguments)...}, {}});
+    /// Records a call of a C function: its name, its arguments and, where there is one, its Answer.
+    template <class... Parts>
+    void function(std::string_view name, const Parts&... parts) {
+        message({}, name, parts...);
     }
 
-    /// Records an operation and its result.
-    template <class Result, class... Arguments>
-    void answer(const Result& result, std::string_view receiver, std::string_view operation,
-                const Arguments&... arguments) {
-        if (sink_) {
-            add({0,
-                 std::string{receiver},
-                 std::string{operation},
-                 {toTrace(arguments)...},
-                 toTrace(result)});
-        }
+    /// Records a message: the receiver's description, the selector, the arguments and, where there
+    /// is one, the Answer.
+    template <class... Parts>
+    void message(std::string_view receiver, std::string_view selector, const Parts&... parts) {
+        if (!sink_) return;
+        TraceRecord record{clock_.now(), std::string{receiver}, std::string{selector}, {}, {}};
+        (add(record, parts), ...);
+        sink_(std::move(record));
     }
 
 private:
-    void add(TraceRecord record);
+    static void add(TraceRecord& record, const auto& argument) {
+        record.arguments.push_back(toTrace(argument));
+    }
+    template <class Result>
+    static void add(TraceRecord& record, const Answer<Result>& answer) {
+        record.result = toTrace(answer.result);
+    }
 
+    const Clock& clock_;
     Sink sink_;
 };
 

@@ -8,6 +8,9 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/standin/files/descriptor.h"
+#include "platform/standin/files/mapping.h"
+
 namespace quillet::standin {
 
 /// The names of the notification service with their state words and counts of posts, in a file
@@ -37,9 +40,6 @@ public:
     /// Maps the table at `path`. Throws std::system_error, or std::runtime_error when the file is
     /// not a table.
     explicit NotificationTable(const std::filesystem::path& path);
-    ~NotificationTable();
-    NotificationTable(const NotificationTable&) = delete;
-    NotificationTable& operator=(const NotificationTable&) = delete;
 
     /// The entry of `name`, which stays where it is as long as the table; null when there is none.
     Entry* find(std::string_view name);
@@ -51,6 +51,11 @@ public:
     /// Counts a post and wakes every process that waits. With nobody waiting it is no system call.
     void post(Entry& entry);
 
+    /// The same by name. A name that is not in the table is posted to nobody.
+    void post(std::string_view name) {
+        if (Entry* const entry = find(name)) post(*entry);
+    }
+
     /// Blocks for `seconds`, or until somebody posts any name; not at all if `isPending`, which is
     /// asked once no post can be missed any more. May return early.
     void waitForPost(double seconds, const std::function<bool()>& isPending);
@@ -58,8 +63,9 @@ public:
 private:
     struct Layout;
 
-    int file_;
-    Layout* layout_;
+    Descriptor file_;
+    Mapping mapping_;
+    Layout& layout_;
 };
 
 }  // namespace quillet::standin

@@ -1,42 +1,45 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
-#include <string>
+#include <cstddef>
+#include <functional>
+#include <string_view>
 #include <vector>
 
-#include "platform/notification_center.h"
 #include "platform/standin/notifications/notification_table.h"
+#include "platform/standin/notifications/subscription.h"
 
 namespace quillet::standin {
 
 /// The observers of this process, and the posts that they have not been told of yet.
-class NotificationCenter {
+class Observers {
 public:
-    explicit NotificationCenter(NotificationTable& table) : table_{table} {}
+    using Callback = std::function<void()>;
 
-    struct Observer {
-        CFNotificationCallback callback;
-        void* observer;
-        std::string name;
-        const void* object;
-    };
+    explicit Observers(NotificationTable& table) : table_{table} {}
 
-    /// Does nothing when the service has no room for the observer's name.
-    void add(Observer observer);
+    /// Has `callback` called by every deliver() after posts of `name` that are still to come.
+    /// Adding the same again adds another observer. False, and nothing is added, when the service
+    /// has no room for the name.
+    bool add(std::string_view name, Callback callback);
 
     /// Whether there is a post that an observer has not been told of.
     bool isPending() const;
 
     /// Calls every observer whose name was posted since it was last called: once, however many
-    /// posts there were.
+    /// posts there were. Those that a callback adds wait for the next time. A callback may add
+    /// observers and deliver to others.
     void deliver();
+
+    std::size_t count() const { return registrations_.size(); }
+
+    /// Forgets all but the first `count`, in the order of adding.
+    void keepFirst(std::size_t count);
 
 private:
     struct Registration {
-        Observer observer;
-        NotificationTable::Entry* entry;
-        std::uint32_t postsSeen;
+        Subscription subscription;
+        Callback callback;
     };
 
     NotificationTable& table_;

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string_view>
 
 #include "platform/standin/notifications/notification_table.h"
+#include "platform/standin/notifications/subscription.h"
 
 namespace quillet::standin {
 
@@ -15,19 +16,12 @@ class Tokens {
 public:
     explicit Tokens(NotificationTable& table) : table_{table} {}
 
-    struct Token {
-        NotificationTable::Entry* entry;
-        /// As of the last check; none before the first, which therefore always finds something.
-        std::optional<std::uint32_t> postsSeen;
-
-        bool check();
-    };
-
-    /// A status of notify(3); `token` is set when it is NOTIFY_STATUS_OK.
+    /// A status of notify(3); `token` is set when it is NOTIFY_STATUS_OK. The first check of a
+    /// token finds something.
     std::uint32_t take(std::string_view name, int& token);
 
     /// Null for a number that is no token. Owned by the tokens, until it is cancelled.
-    Token* find(int token);
+    Subscription* find(int token);
 
     bool cancel(int token) { return tokens_.erase(token) != 0; }
 
@@ -38,7 +32,7 @@ public:
 
 private:
     NotificationTable& table_;
-    std::map<int, Token> tokens_;
+    std::map<int, Subscription> tokens_;
     int next_ = 0;
     bool refusing_ = false;
 };

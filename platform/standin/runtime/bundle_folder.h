@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,24 +11,25 @@
 
 namespace quillet::standin {
 
-/// Why a bundle cannot be loaded, in words for the user.
-class BundleError : public std::runtime_error {
-public:
-    using runtime_error::runtime_error;
-};
-
-/// A bundle folder.
-class Bundle final : public Instance {
+/// A bundle: a folder with a property list, to which classes may belong.
+class BundleFolder final : public Instance {
 public:
     /// Reads the folder's property list. Throws BundleError when it has none.
-    explicit Bundle(std::filesystem::path folder);
+    explicit BundleFolder(std::filesystem::path path);
     /// The host's own bundle, which is no folder.
-    Bundle(std::filesystem::path folder, Dictionary info)
-        : folder_{std::move(folder)}, info_{std::move(info)} {}
+    explicit BundleFolder(Dictionary info) : info_{std::move(info)} {}
 
-    std::string description() const override { return "<NSBundle>"; }
+    std::string className() const override { return "NSBundle"; }
 
-    const std::filesystem::path& folder() const { return folder_; }
+    /// Absolute, for as long as the one given was.
+    const std::filesystem::path& path() const { return path_; }
+
+    /// Where the module lies. Throws BundleError when the property list names none that is in the
+    /// folder itself.
+    std::filesystem::path executable() const;
+
+    /// Empty when there is none.
+    std::string identifier() const { return info("CFBundleIdentifier"); }
 
     /// The string for `key` in the property list; empty when there is none.
     std::string info(std::string_view key) const;
@@ -37,7 +37,7 @@ public:
     std::string localizedInfo(std::string_view key) const;
 
 private:
-    std::filesystem::path folder_;
+    std::filesystem::path path_;
     Dictionary info_;
 };
 

@@ -8,8 +8,12 @@
 
 namespace quillet::standin {
 
+class BundleFolder;
+class SwitchFramework;
+
 /// What the switch framework asks of a switch. Every message is optional: the bodies here are the
-/// framework's defaults. The identifier is that of the switch.
+/// framework's defaults. The identifier is that of the switch. A message may come while another is
+/// under way, from inside the run loop.
 class FSSwitchDataSource {
 public:
     virtual FSSwitchState stateForSwitchIdentifier(NSString identifier);
@@ -30,9 +34,19 @@ public:
     virtual void applyAlternateActionForSwitchIdentifier(NSString identifier);
     virtual BOOL switchWithIdentifierIsEnabled(NSString identifier);
 
+    /// The framework that has the switch, which the defaults ask; none at first. It must outlive
+    /// the messages to the switch.
+    void setFramework(const SwitchFramework& framework) { framework_ = &framework; }
+
 protected:
     constexpr FSSwitchDataSource() = default;
     ~FSSwitchDataSource() = default;
+
+private:
+    /// Null when no switch of the framework goes by `identifier`.
+    BundleFolder* bundle(const NSString& identifier) const;
+
+    const SwitchFramework* framework_ = nullptr;
 };
 
 /// What a module tells of a class that it defines.
@@ -41,12 +55,9 @@ struct ClassDescription {
     const char* name;
     /// Sent once, as soon as the module is loaded.
     void (*load)();
-    /// The class's one object for the switch framework, which lives as long as the module.
+    /// The class's one object for the switch framework, which lives as long as the module; null for
+    /// a class that is no switch.
     FSSwitchDataSource* dataSource;
 };
-
-/// Makes a class of the module that is being loaded known and sends it `load`. The class object,
-/// which is the answer, lives as long as the process does.
-void* registerClass(const ClassDescription& description);
 
 }  // namespace quillet::standin

@@ -4,10 +4,8 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <utility>
 
 #include "platform/object.h"
-#include "platform/property_list.h"
 #include "platform/standin/plist/value.h"
 
 namespace quillet::standin {
@@ -20,9 +18,13 @@ public:
     Instance& operator=(const Instance&) = delete;
     virtual ~Instance();
 
+    /// The name of the class that this is, or is an instance of.
+    virtual std::string className() const = 0;
+    /// Whether this is the class itself.
+    virtual bool isClass() const { return false; }
     /// As it stands in a trace: "SBMediaController" for a class, "<SBMediaController>" for an
     /// instance of it.
-    virtual std::string description() const = 0;
+    virtual std::string description() const;
     virtual bool respondsToSelector(std::string_view /*selector*/) const { return false; }
     /// Null for what is no property-list value. Owned by the instance.
     virtual const Value* propertyListValue() const { return nullptr; }
@@ -37,33 +39,9 @@ private:
     int count_ = 1;
 };
 
-/// A property-list value: string, number, dictionary and so on.
-class ValueInstance final : public Instance {
-public:
-    /// `mutableDictionary` changes only how a dictionary is described.
-    explicit ValueInstance(Value value, bool mutableDictionary = false)
-        : value{std::move(value)}, mutableDictionary_{mutableDictionary} {}
-
-    std::string description() const override;
-    const Value* propertyListValue() const override { return &value; }
-    /// The name of its class, for example "NSNumber".
-    std::string kind() const;
-
-    Value value;
-
-private:
-    bool mutableDictionary_;
-};
-
-/// One of the platform's shared objects, which exist once.
-class SharedInstance final : public Instance {
-public:
-    explicit SharedInstance(std::string description) : description_{std::move(description)} {}
-
-    std::string description() const override { return description_; }
-
-private:
-    std::string description_;
+/// Gives back the count that a pointer owns.
+struct Release {
+    void operator()(Instance* instance) const { instance->release(); }
 };
 
 /// The word that a reference holds for `instance`.
@@ -102,12 +80,5 @@ auto send(const Object& receiver, Body body) {
         return instance != nullptr ? body(*instance) : Answer{};
     }
 }
-
-/// The characters of `string`, valid as long as it is; empty for nil.
-std::string_view text(const Object& string);
-std::string_view text(const void* string);
-
-/// A string for the bundle.
-NSString makeString(std::string_view text);
 
 }  // namespace quillet::standin

@@ -3,8 +3,6 @@
 
 #include <dlfcn.h>
 
-#include "platform/standin/runtime/bundle_folder.h"
-
 namespace quillet::standin {
 
 namespace {

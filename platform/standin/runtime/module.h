@@ -3,8 +3,15 @@
 
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 
 namespace quillet::standin {
+
+/// Why a bundle cannot be loaded, in words for the user.
+class BundleError : public std::runtime_error {
+public:
+    using runtime_error::runtime_error;
+};
 
 /// A bundle's code, loaded into this process until the object goes.
 class Module {
@@ -16,7 +23,7 @@ public:
 };
 
 /// Loads the module in the file at `path`, which makes its classes known with registerClass before
-/// the call returns. Throws BundleError.
+/// the call returns. Throws BundleError; nothing then stays loaded.
 using OpenModule = std::unique_ptr<Module> (*)(const std::filesystem::path& path);
 
 /// The opener for this system's own modules; see dlopen(3).

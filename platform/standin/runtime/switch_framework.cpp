@@ -2,64 +2,72 @@
 #include "platform/standin/runtime/switch_framework.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "platform/standin/device/device.h"
+#include "platform/standin/runtime/instances.h"
 
 namespace quillet::standin {
 
-SwitchFramework::SwitchFramework(OpenModule openModule)
-    : openModule_{openModule},
-      hostBundle_{new Bundle{
-          {}, Dictionary{{"CFBundleIdentifier", std::string{"com.apple.springboard"}}}}} {}
+SwitchFramework::SwitchFramework(OpenModule openModule, Observers& observers)
+    : openModule_{openModule}, observers_{observers} {
+    host_.bundle.reset(
+        new BundleFolder{Dictionary{{"CFBundleIdentifier", std::string{"com.apple.springboard"}}}});
+}
 
 std::string SwitchFramework::load(const std::filesystem::path& folder) {
-    std::unique_ptr<Bundle, Counted> owned{new Bundle{std::filesystem::absolute(folder)}};
-    Bundle& bundle = *owned;
-    const std::string identifier = bundle.info("CFBundleIdentifier");
+    auto loaded = std::make_unique<Loaded>();
+    loaded->bundle.reset(new BundleFolder{std::filesystem::absolute(folder)});
+    const std::string identifier = loaded->bundle->identifier();
     if (identifier.empty()) throw BundleError(folder.string() + ": the bundle has no identifier");
     if (find(identifier) != nullptr) {
         throw BundleError(folder.string() + ": a switch \"" + identifier + "\" is loaded already");
     }
-    bundles_.push_back(std::move(owned));
-    open(bundle);
-    const ClassInstance* const cls = principalClass(bundle);
-    if (cls == nullptr) {
-        throw BundleError(folder.string() + ": the bundle has no principal class \"" +
-                          bundle.info("NSPrincipalClass") + "\"");
-    }
-    switches_.push_back({identifier, cls->dataSource, &bundle});
-    cls->dataSource->switchWasRegisteredForIdentifier(makeString(identifier));
+    open(*loaded);
+    loaded->dataSource->setFramework(*this);
+    switches_.push_back(std::move(loaded));
+    dataSource(identifier)->switchWasRegisteredForIdentifier(makeString(identifier));
     return identifier;
 }
 
-void SwitchFramework::open(const Bundle& bundle) {
-    const std::string executable = bundle.info("CFBundleExecutable");
-    if (executable.empty() || executable.find('/') != std::string::npos) {
-        throw BundleError(bundle.folder().string() + ": the bundle names no executable");
+void SwitchFramework::open(Loaded& loading) {
+    const std::size_t observersBefore = observers_.count();
+    loading_ = &loading;
+    try {
+        loading.module = openModule_(loading.bundle->executable());
+        loading.dataSource = principalDataSource(loading);
+    } catch (...) {
+        // Their callbacks lie in the module, which goes.
+        observers_.keepFirst(observersBefore);
+        loading_ = &host_;
+        throw;
     }
-    modules_.push_back(openModule_(bundle.folder() / executable));
+    loading_ = &host_;
 }
 
-const ClassInstance* SwitchFramework::principalClass(const Bundle& bundle) const {
-    const auto found = std::ranges::find_if(classes_, [&](const auto& cls) {
-        return cls->bundle == &bundle && cls->name == bundle.info("NSPrincipalClass");
+FSSwitchDataSource* SwitchFramework::principalDataSource(const Loaded& loaded) {
+    const std::string name = loaded.bundle->info("NSPrincipalClass");
+    const auto found = std::ranges::find_if(loaded.classes, [&](const auto& cls) {
+        return cls->className() == name && cls->dataSource != nullptr;
     });
-    return found == classes_.end() ? nullptr : found->get();
+    if (found != loaded.classes.end()) return (*found)->dataSource;
+    throw BundleError(loaded.bundle->path().string() + ": the bundle has no principal class \"" +
+                      name + "\"");
 }
 
-const SwitchFramework::Switch* SwitchFramework::find(std::string_view identifier) const {
-    const auto found = std::ranges::find(switches_, identifier, &Switch::identifier);
-    return found == switches_.end() ? nullptr : &*found;
+const SwitchFramework::Loaded* SwitchFramework::find(std::string_view identifier) const {
+    const auto found = std::ranges::find_if(
+        switches_, [&](const auto& loaded) { return loaded->bundle->identifier() == identifier; });
+    return found == switches_.end() ? nullptr : found->get();
 }
 
 FSSwitchDataSource* SwitchFramework::dataSource(std::string_view identifier) const {
-    const Switch* const found = find(identifier);
+    const Loaded* const found = find(identifier);
     return found == nullptr ? nullptr : found->dataSource;
 }
 
-Bundle* SwitchFramework::bundle(std::string_view identifier) const {
-    const Switch* const found = find(identifier);
-    return found == nullptr ? nullptr : found->bundle;
+BundleFolder* SwitchFramework::bundle(std::string_view identifier) const {
+    const Loaded* const found = find(identifier);
+    return found == nullptr ? nullptr : found->bundle.get();
 }
 
 void SwitchFramework::refresh(std::string_view identifier) const {
@@ -69,28 +77,26 @@ void SwitchFramework::refresh(std::string_view identifier) const {
     if (redraw_) redraw_(identifier, state);
 }
 
-ClassInstance& SwitchFramework::add(const ClassDescription& description) {
-    Bundle* const bundle = bundles_.empty() ? hostBundle_.get() : bundles_.back().get();
-    return *classes_.emplace_back(new ClassInstance{description, bundle});
+ModuleClass& SwitchFramework::add(const ClassDescription& description) {
+    return *loading_->classes.emplace_back(new ModuleClass{description, *loading_->bundle});
 }
 
-Bundle& SwitchFramework::bundleOf(const Class& cls) const {
-    const auto found = std::ranges::find_if(
-        classes_, [&](const auto& known) { return word(*known) == cls.instance(); });
-    return found == classes_.end() ? *hostBundle_ : *(*found)->bundle;
+BundleFolder& SwitchFramework::bundleOf(const Class& cls) const {
+    const auto defines = [&](const Loaded& loaded) {
+        return std::ranges::any_of(
+            loaded.classes, [&](const auto& known) { return word(*known) == cls.instance(); });
+    };
+    if (defines(*loading_)) return *loading_->bundle;
+    const auto found =
+        std::ranges::find_if(switches_, [&](const auto& loaded) { return defines(*loaded); });
+    return found == switches_.end() ? *host_.bundle : *(*found)->bundle;
 }
 
 void* SwitchFramework::symbol(const char* name) const {
-    for (const auto& module : modules_) {
-        if (void* const address = module->symbol(name)) return address;
+    for (const auto& loaded : switches_) {
+        if (void* const address = loaded->module->symbol(name)) return address;
     }
     return nullptr;
-}
-
-void* registerClass(const ClassDescription& description) {
-    ClassInstance& cls = Device::current().framework.add(description);
-    description.load();
-    return word(cls);
 }
 
 }  // namespace quillet::standin

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/standin/runtime/bundle_folder.h"
-#include "platform/standin/runtime/data_source.h"
+#include "platform/standin/flipswitch.h"
+#include "platform/standin/runtime/module.h"
 #include "prefs/prefs_loader.h"
 #include "tests/platforms/gnustep/host.h"
 #include "tests/platforms/gnustep/values.h"

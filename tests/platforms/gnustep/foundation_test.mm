@@ -50,7 +50,7 @@ protected:
         phone_.write(preferencesPath, ownVibration);
         phone_.apply(0);
         phone_.apply(1);
-        phone_.device().runLoop.turn();
+        phone_.device().eventLoop.turn();
     }
 
     Phone phone_{{.machine = "iPod7,1"}};
@@ -82,7 +82,7 @@ TEST_F(Counting, AFlipLeavesNoCountBehind) {
     const int held = gnustep::countsHeld();
     for (const std::int32_t state : {0, 1, 2, -1}) {
         phone_.apply(state);
-        phone_.device().runLoop.turn();
+        phone_.device().eventLoop.turn();
         phone_.state();
         EXPECT_EQ(gnustep::countsHeld(), held) << state;
     }

@@ -68,14 +68,14 @@ id objectForKey(id self, SEL selector, id key) {
 }
 
 void setValue(id self, SEL selector, id value, ::NSString* key) {
-    standin::Device::current().trace.call(kindOf(self), sel_getName(selector), traced(value),
-                                          traced(key));
+    standin::Device::current().trace.message(kindOf(self), sel_getName(selector), traced(value),
+                                             traced(key));
     [self setValue:value forKey:key];
 }
 
 void setObject(id self, SEL selector, id value, id key) {
-    standin::Device::current().trace.call(kindOf(self), sel_getName(selector), traced(value),
-                                          traced(key));
+    standin::Device::current().trace.message(kindOf(self), sel_getName(selector), traced(value),
+                                             traced(key));
     [self setObject:value forKey:key];
 }
 

@@ -11,7 +11,7 @@ using quillet::standin::Device;
 @implementation QuilletDeviceTurns
 
 - (void)turn:(NSTimer*)__attribute__((unused))timer {
-    Device::current().runLoop.turn();
+    Device::current().eventLoop.turn();
 }
 
 @end
@@ -49,7 +49,7 @@ id currentRunLoop(id self, SEL selector) {
 }
 
 void runForReal(::NSRunLoop* loop, ::NSDate* limit) {
-    Device::current().runLoop.turn();
+    Device::current().eventLoop.turn();
     QuilletDeviceTurns* const turns = [[QuilletDeviceTurns alloc] init];
     NSTimer* const timer = [NSTimer scheduledTimerWithTimeInterval:turnInterval
                                                             target:turns
@@ -64,9 +64,9 @@ void runForReal(::NSRunLoop* loop, ::NSDate* limit) {
 void runUntilDate(id self, SEL selector, ::NSDate* limit) {
     Device& device = Device::current();
     const double time = timeOf(limit);
-    device.trace.call(receiver(self), sel_getName(selector), time);
+    device.trace.message(receiver(self), sel_getName(selector), time);
     if (device.clock.isVirtual()) {
-        device.runLoop.runUntil(time);
+        device.eventLoop.runUntil(time);
     } else {
         runForReal(self, limit);
     }
@@ -74,7 +74,7 @@ void runUntilDate(id self, SEL selector, ::NSDate* limit) {
 
 void sleepForTimeInterval(id self, SEL selector, double seconds) {
     Device& device = Device::current();
-    device.trace.call(receiver(self), sel_getName(selector), seconds);
+    device.trace.message(receiver(self), sel_getName(selector), seconds);
     if (device.clock.isVirtual()) {
         device.clock.advanceTo(device.clock.now() + seconds);
     } else {

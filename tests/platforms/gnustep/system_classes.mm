@@ -153,7 +153,8 @@ extern "C" ::Class __wrap_NSClassFromString(::NSString* name) {
         return mediaClass ? mediaVariant() : nil;
     }
     const ::Class cls = NSClassFromString(name);
-    Device::current().trace.answer(traced(cls), "", "NSClassFromString", traced(name));
+    const standin::TraceValue answer = traced(cls);
+    Device::current().trace.function("NSClassFromString", traced(name), standin::Answer{answer});
     return cls;
 }
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <dlfcn.h>
 
-#include <memory>
+#include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/graphics_services.h"
 #include "platform/notification_center.h"
@@ -16,23 +15,6 @@
 namespace quillet::gnustep {
 
 namespace {
-
-/// What the bundle observes: the stand-in's callback gets this as its observer.
-struct Observation {
-    CFNotificationCallback callback;
-    void* observer;
-    const void* object;
-};
-
-void deliver(CFNotificationCenterRef center, void* observer, CFStringRef name,
-             const void* /*object*/, CFDictionaryRef userInfo) {
-    const auto& observation = *static_cast<const Observation*>(observer);
-    asHost([&] {
-        observation.callback(center, observation.observer,
-                             reinterpret_cast<CFStringRef>(foundationString(name)),
-                             observation.object, userInfo);
-    });
-}
 
 NSString standinString(CFStringRef string) {
     return gnustep::standinString(reinterpret_cast<::NSString*>(const_cast<CFString*>(string)));
@@ -62,19 +44,22 @@ void __wrap_CFNotificationCenterPostNotification(CFNotificationCenterRef center,
                                          deliverImmediately);
 }
 
-void __wrap_CFNotificationCenterAddObserver(CFNotificationCenterRef /*center*/,
-                                            const void* observer, CFNotificationCallback callback,
-                                            CFStringRef name, const void* object,
+void __wrap_CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void* observer,
+                                            CFNotificationCallback callback, CFStringRef name,
+                                            const void* object,
                                             CFNotificationSuspensionBehavior behavior) {
-    static std::vector<std::unique_ptr<Observation>> observations;
-    const auto& observation =
-        observations.emplace_back(new Observation{callback, const_cast<void*>(observer), object});
-    const NSString nameString = standinString(name);
+    const std::string nameText{standin::text(standinString(name))};
     standin::Device& device = standin::Device::current();
-    device.trace.call("", "CFNotificationCenterAddObserver", "<CFNotificationCenter>",
-                      standin::pointerTrace(observer), "<callback>", nameString,
-                      standin::pointerTrace(object), behavior);
-    device.center.add({deliver, observation.get(), std::string{standin::text(nameString)}, object});
+    device.trace.function("CFNotificationCenterAddObserver", "<CFNotificationCenter>",
+                          standin::pointerTrace(observer), "<callback>", nameText,
+                          standin::pointerTrace(object), behavior);
+    device.observers.add(nameText, [=] {
+        asHost([&] {
+            callback(center, const_cast<void*>(observer),
+                     reinterpret_cast<CFStringRef>(foundationString(standin::makeString(nameText))),
+                     object, nullptr);
+        });
+    });
 }
 
 }  // extern "C"

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/standin/device/device.h"
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/instances.h"
 
 // After the platform's headers, whose YES and NO are macros here.
 #import <Foundation/Foundation.h>
@@ -31,7 +31,8 @@ std::string receiver(id object);
 template <class Result, class... Arguments>
 void answered(const Result& result, const std::string& receiver, SEL selector,
               const Arguments&... arguments) {
-    standin::Device::current().trace.answer(result, receiver, sel_getName(selector), arguments...);
+    standin::Device::current().trace.message(receiver, sel_getName(selector), arguments...,
+                                             standin::Answer{result});
 }
 
 }  // namespace quillet::gnustep

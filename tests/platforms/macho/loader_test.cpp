@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "platform/standin/device/device.h"
+#include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "tests/platforms/macho/loader/classes.h"
 #include "tests/platforms/macho/loader/exports.h"

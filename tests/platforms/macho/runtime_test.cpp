@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/property_list.h"
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/instances.h"
 
 namespace quillet::macho {
 namespace {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/standin/device/device.h"
+#include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "prefs/prefs_loader.h"
 #include "tests/platforms/macho/loader/module.h"
@@ -76,7 +77,7 @@ void flip(Device& device) {
     auto* const dataSource = device.framework.dataSource(identifier);
     for (const int state : {1, 0, 0, 1, -1, 2}) {
         dataSource->applyState(static_cast<FSSwitchState>(state), identifier);
-        device.runLoop.turn();
+        device.eventLoop.turn();
         dataSource->stateForSwitchIdentifier(identifier);
     }
 }
@@ -96,7 +97,7 @@ void callExports(Device& device) {
     for (const char* const name : {"updatePref", "notifyDarwinCenter"}) {
         exported<void(CFStringRef)>(device, name)(NSString("com.apple.springboard.ringerstate"));
     }
-    device.runLoop.turn();
+    device.eventLoop.turn();
 }
 
 std::vector<Dictionary> preferenceFiles() {

@@ -14,7 +14,7 @@ namespace quillet::test {
 namespace {
 
 using standin::Clock;
-using standin::RunLoop;
+using standin::EventLoop;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -25,10 +25,10 @@ double realNow() {
 
 class Loop : public OnADevice {
 protected:
-    RunLoop& loop() { return device().runLoop; }
+    EventLoop& loop() { return device().eventLoop; }
     Clock& clock() { return device().clock; }
     /// Work that notes `word` and when it ran.
-    RunLoop::Work noting(const std::string& word) {
+    EventLoop::Work noting(const std::string& word) {
         return [this, word] {
             notes_.push_back(word);
             times_.push_back(clock().now());
@@ -132,7 +132,7 @@ TEST_F(Loop, WhatRunsBeyondTheLimitMovesTheClockAndEndsTheOuterLoop) {
     EXPECT_EQ(clock().now(), 3.0);
 }
 
-TEST_F(Loop, StoppingItEndsTheInnermostWaitAfterItsTurn) {
+TEST_F(Loop, StoppingItEndsTheWaitAfterItsTurn) {
     loop().at(0.25, [this] { loop().stop(); });
     loop().at(0.25, noting("same turn"));
     loop().at(0.5, noting("later"));
@@ -143,16 +143,51 @@ TEST_F(Loop, StoppingItEndsTheInnermostWaitAfterItsTurn) {
     EXPECT_THAT(notes(), ElementsAre("same turn", "later"));
 }
 
-TEST_F(Loop, StoppingAnInnerWaitLeavesTheOuterOne) {
+// The inner wait is the bundle's, which must last as long as it asked for; the outer one is the
+// host's, who stops it.
+TEST_F(Loop, StoppingInsideAnInnerWaitEndsTheOuterOneWhenTheInnerHasHadItsTime) {
     loop().at(0.1, [this] {
         loop().runUntil(0.9);
         noting("inner ends")();
     });
     loop().at(0.5, [this] { loop().stop(); });
-    loop().at(0.75, noting("outer goes on"));
+    loop().at(0.75, noting("inner goes on"));
+    loop().at(0.95, noting("outer goes on"));
     loop().runUntil(1);
-    EXPECT_THAT(notes(), ElementsAre("inner ends", "outer goes on"));
-    EXPECT_THAT(times(), ElementsAre(0.5, 0.75));
+    EXPECT_THAT(notes(), ElementsAre("inner goes on", "inner ends"));
+    EXPECT_EQ(clock().now(), 0.9);
+}
+
+TEST_F(Loop, StoppingItWhileItDoesNotRunChangesNothing) {
+    loop().stop();
+    loop().at(0.5, noting("in time"));
+    loop().runUntil(1);
+    EXPECT_THAT(notes(), ElementsAre("in time"));
+    EXPECT_EQ(clock().now(), 1.0);
+}
+
+TEST_F(Loop, WorkThatAddsWorkForNowDoesNotHoldUpTheTurn) {
+    int runs = 0;
+    const EventLoop::Work again = [&] {
+        ++runs;
+        loop().at(0, again);
+    };
+    loop().at(0, again);
+    loop().turn();
+    EXPECT_EQ(runs, 1);
+    loop().turn();
+    EXPECT_EQ(runs, 2);
+}
+
+TEST_F(Loop, AnInnerWaitRunsWhatWasDueWithTheWorkThatWaits) {
+    loop().at(0.1, [this] {
+        loop().runUntil(0.6);
+        noting("inner ends")();
+    });
+    loop().at(0.1, noting("due too"));
+    loop().runUntil(1);
+    EXPECT_THAT(notes(), ElementsAre("due too", "inner ends"));
+    EXPECT_THAT(times(), ElementsAre(0.1, 0.6));
 }
 
 TEST_F(Loop, VirtualTimeTakesNoRealTime) {
@@ -163,13 +198,8 @@ TEST_F(Loop, VirtualTimeTakesNoRealTime) {
     EXPECT_LT(realNow() - start, 10);
 }
 
-void callWork(CFNotificationCenterRef, void* work, CFStringRef, const void*, CFDictionaryRef) {
-    (*static_cast<RunLoop::Work*>(work))();
-}
-
 TEST_F(Loop, TellsObserversOfAPostThatWorkMakesAtThatTime) {
-    RunLoop::Work observer = noting("observer");
-    device().center.add({callWork, &observer, "a.name", nullptr});
+    device().observers.add("a.name", noting("observer"));
     loop().at(0.25, [] { notify_post("a.name"); });
     loop().runUntil(1);
     EXPECT_THAT(notes(), ElementsAre("observer"));
@@ -177,11 +207,19 @@ TEST_F(Loop, TellsObserversOfAPostThatWorkMakesAtThatTime) {
 }
 
 TEST_F(Loop, TellsObserversOfAnEarlierPostBeforeItWaits) {
-    RunLoop::Work observer = noting("observer");
-    device().center.add({callWork, &observer, "a.name", nullptr});
+    device().observers.add("a.name", noting("observer"));
     notify_post("a.name");
     loop().runUntil(1);
     EXPECT_THAT(times(), ElementsAre(0.0));
+}
+
+TEST_F(Loop, ServesAPostThatAnObserverMakesAtThatTime) {
+    // The first observer comes first, so the turn has passed it by when the second one posts.
+    device().observers.add("a.name", noting("first"));
+    device().observers.add("another.name", [] { notify_post("a.name"); });
+    loop().at(0.25, [] { notify_post("another.name"); });
+    loop().runUntil(1);
+    EXPECT_THAT(times(), ElementsAre(0.25));
 }
 
 TEST_F(Loop, RunUntilDateRunsUntilTheDateAndRecordsIt) {

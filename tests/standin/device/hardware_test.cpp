@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/celestial.h"
+#include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "tests/standin/on_a_device.h"
 
@@ -26,7 +27,7 @@ using ::testing::ElementsAre;
 
 class HardwareFile : public testing::Test {
 protected:
-    HardwareFile() { Hardware::create(path()); }
+    HardwareFile() { write(Hardware::newState()); }
 
     fs::path path() const { return folder_.path() / "hardware.plist"; }
     Hardware hardware() const { return Hardware{path()}; }
@@ -126,10 +127,6 @@ TEST_F(HardwareFile, ValuesOfOddKindsCountAsNone) {
     EXPECT_EQ(hardware().volume("Ringtone"), std::nullopt);
     write(Dictionary{{"volumes", Dictionary{{"Ringtone", Array{}}}}});
     EXPECT_EQ(hardware().volume("Ringtone"), std::nullopt);
-}
-
-TEST_F(HardwareFile, CannotBeCreatedWhereNothingCanBeWritten) {
-    EXPECT_FALSE(Hardware::create(path() / "below"));
 }
 
 TEST(HardwareOfADevice, OutlivesTheProcessesThatUseIt) {

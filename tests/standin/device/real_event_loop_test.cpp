@@ -15,21 +15,18 @@ namespace quillet::test {
 namespace {
 
 using standin::Device;
-using standin::RunLoop;
 
 double realNow() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration<double>(now).count();
 }
 
-void callWork(CFNotificationCenterRef, void* work, CFStringRef, const void*, CFDictionaryRef) {
-    (*static_cast<RunLoop::Work*>(work))();
-}
-
 /// A device of real time, whose observer of "a.name" notes when it is called.
 class RealLoop : public testing::Test {
 protected:
-    RealLoop() { device_.center.add({callWork, &observer_, "a.name", nullptr}); }
+    RealLoop() {
+        device_.observers.add("a.name", [this] { calledAt_ = realNow(); });
+    }
 
     Device& device() { return device_; }
     std::filesystem::path root() const { return folder_.path() / "root"; }
@@ -38,15 +35,14 @@ protected:
 private:
     TemporaryFolder folder_;
     Device device_{{.root = folder_.path() / "root"}};
-    RunLoop::Work observer_ = [this] { calledAt_ = realNow(); };
     double calledAt_ = 0;
 };
 
 TEST_F(RealLoop, WaitsForAtLeastTheTimeAskedForAndRunsWorkNotBeforeItIsDue) {
     const double start = realNow();
     double ran = 0;
-    device().runLoop.at(device().clock.now() + 0.05, [&] { ran = realNow(); });
-    device().runLoop.runUntil(device().clock.now() + 0.1);
+    device().eventLoop.at(device().clock.now() + 0.05, [&] { ran = realNow(); });
+    device().eventLoop.runUntil(device().clock.now() + 0.1);
     EXPECT_GE(ran - start, 0.05);
     EXPECT_GE(realNow() - start, 0.1);
 }
@@ -60,7 +56,7 @@ TEST_F(RealLoop, APostOfAnotherThreadEndsTheWaitWellBeforeTheLimit) {
         table.post(*table.find("a.name"));
         hasPosted = true;
     }};
-    device().runLoop.runUntil(device().clock.now() + 1);
+    device().eventLoop.runUntil(device().clock.now() + 1);
     poster.join();
     EXPECT_TRUE(hasPosted);
     EXPECT_GE(calledAt() - start, 0.05);
@@ -79,7 +75,7 @@ TEST_F(RealLoop, APostOfAnotherProcessEndsTheWaitWellBeforeTheLimit) {
     }};
     gate.open();
     const double start = realNow();
-    device().runLoop.runUntil(device().clock.now() + 1);
+    device().eventLoop.runUntil(device().clock.now() + 1);
     EXPECT_GT(calledAt(), start);
     EXPECT_LT(calledAt() - start, 0.8);
     EXPECT_EQ(poster.wait(), 0);
@@ -87,11 +83,10 @@ TEST_F(RealLoop, APostOfAnotherProcessEndsTheWaitWellBeforeTheLimit) {
 
 TEST_F(RealLoop, APostThatAnObserverMakesDoesNotWaitForTheLimit) {
     // The fixture's observer comes first, so this turn has passed it by when the post is made.
-    RunLoop::Work poster = [] { notify_post("a.name"); };
-    device().center.add({callWork, &poster, "another.name", nullptr});
+    device().observers.add("another.name", [] { notify_post("a.name"); });
     notify_post("another.name");
     const double start = realNow();
-    device().runLoop.runUntil(device().clock.now() + 0.5);
+    device().eventLoop.runUntil(device().clock.now() + 0.5);
     EXPECT_GT(calledAt(), start);
     EXPECT_LT(calledAt() - start, 0.4);
 }
@@ -106,7 +101,7 @@ TEST_F(RealLoop, PostsOfNamesThatNobodyHereObservesDoNotShortenTheWait) {
             table.post(other);
         }
     }};
-    device().runLoop.runUntil(device().clock.now() + 0.2);
+    device().eventLoop.runUntil(device().clock.now() + 0.2);
     poster.join();
     EXPECT_GE(realNow() - start, 0.2);
     EXPECT_EQ(calledAt(), 0);

@@ -16,6 +16,7 @@
 namespace quillet::test {
 namespace {
 
+using standin::Answer;
 using standin::toJSON;
 using standin::toTrace;
 using standin::TraceRecord;
@@ -159,16 +160,16 @@ TEST_F(TraceOfADevice, PointersAreNotShown) {
 TEST_F(TraceOfADevice, EachRecordHasTheTimeOfItsCall) {
     std::vector<double> times;
     device().trace.setSink([&](const TraceRecord& record) { times.push_back(record.time); });
-    device().trace.call("", "first");
+    device().trace.function("first");
     device().clock.advanceTo(0.75);
-    device().trace.answer(1, "", "second");
+    device().trace.function("second", Answer{1});
     EXPECT_EQ(times, (std::vector{0.0, 0.75}));
 }
 
 TEST_F(TraceOfADevice, WithoutASinkNothingIsRecorded) {
-    device().trace.call("", "seen");
+    device().trace.function("seen");
     device().trace.setSink(nullptr);
-    device().trace.call("", "not seen");
+    device().trace.function("not seen");
     EXPECT_EQ(calls(), Calls{"seen()"});
 }
 

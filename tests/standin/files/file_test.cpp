@@ -11,6 +11,7 @@
 #include <fstream>
 #include <string>
 
+#include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 
 namespace quillet::standin {

@@ -34,27 +34,24 @@ protected:
     fs::path root() const { return folder_.path() / "root"; }
     fs::path tablePath() const { return root().string() + standin::DeviceRoot::notificationsPath; }
 
+    /// Made before any process needs it.
+    TwoProcesses() { standin::makeNewPhone(root(), {}); }
+
 private:
     TemporaryFolder folder_;
-    /// Made before any process needs it.
-    standin::DeviceRoot made_{root()};
 };
-
-void count(CFNotificationCenterRef, void* observer, CFStringRef, const void*, CFDictionaryRef) {
-    ++*static_cast<int*>(observer);
-}
 
 /// A device with an observer of `name`.
 class Observing {
 public:
     explicit Observing(const fs::path& root) : device_{{.root = root}} {
-        device_.center.add({count, &calls_, name, nullptr});
+        device_.observers.add(name, [this] { ++calls_; });
     }
 
     /// Turns until the observer was called, for at most 20 s.
     bool isCalled() {
         while (calls_ == 0 && device_.clock.now() < 20) {
-            device_.runLoop.runUntil(device_.clock.now() + 0.01);
+            device_.eventLoop.runUntil(device_.clock.now() + 0.01);
         }
         return calls_ > 0;
     }

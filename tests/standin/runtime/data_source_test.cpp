@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/standin/flipswitch.h"
 #include "platform/standin/runtime/data_source.h"
 #include "tests/standin/on_a_device.h"
 #include "tests/standin/runtime/bundle_folder.h"

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/notify.h"
+#include "platform/standin/files/file.h"
 #include "tests/standin/on_a_device.h"
 #include "tests/standin/runtime/bundle_folder.h"
 #include "tests/support/phone.h"
@@ -79,7 +81,7 @@ TEST_F(Loader, ARelativeFolderIsMeantFromTheWorkingFolder) {
     fs::current_path(bundleUnderTest().parent_path());
     EXPECT_EQ(framework().load(bundleUnderTest().filename()), switchIdentifier);
     fs::current_path(before);
-    EXPECT_TRUE(framework().bundle(switchIdentifier)->folder().is_absolute());
+    EXPECT_TRUE(framework().bundle(switchIdentifier)->path().is_absolute());
 }
 
 TEST_F(Loader, AMissingFolderIsNoBundle) { expectRefused(bundle(), "not a bundle"); }
@@ -137,6 +139,18 @@ TEST_F(Loader, ThePrincipalClassMustBeOneOfTheModules) {
     EXPECT_EQ(framework().dataSource(switchIdentifier), nullptr);
 }
 
+TEST_F(Loader, NothingStaysOfABundleThatCouldNotBeLoaded) {
+    copyBundle("NSPrincipalClass", std::string{"OtherSwitch"});
+    const int instances = standin::Instance::live();
+    expectRefused(bundle(), "no principal class");
+    EXPECT_EQ(standin::Instance::live(), instances);
+    EXPECT_EQ(device().observers.count(), 0U) << "its callback lies in a module that is gone";
+    EXPECT_EQ(framework().symbol("isiPod"), nullptr);
+    notify_post("com.apple.springboard.ringerstate");
+    device().eventLoop.turn();
+    EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
+}
+
 TEST_F(Loader, ABundleNeedsAPrincipalClass) {
     copyBundle("NSPrincipalClass", false);
     expectRefused(bundle(), "no principal class \"\"");
@@ -149,14 +163,14 @@ TEST_F(Loader, ASwitchIsLoadedOnce) {
     copyBundle("CFBundleDisplayName", std::string{"Copy"});
     expectRefused(bundle(), "is loaded already");
     EXPECT_THAT(calls(), IsEmpty()) << "the class was not sent load again";
-    EXPECT_EQ(framework().bundle(switchIdentifier)->folder(), bundleUnderTest());
+    EXPECT_EQ(framework().bundle(switchIdentifier)->path(), bundleUnderTest());
 }
 
 TEST_F(Loader, AfterAFailureTheSameSwitchCanBeLoaded) {
     copyBundle("CFBundleExecutable", std::string{"NoModule"});
     expectRefused(bundle(), "NoModule");
     EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
-    EXPECT_EQ(framework().bundle(switchIdentifier)->folder(), bundleUnderTest());
+    EXPECT_EQ(framework().bundle(switchIdentifier)->path(), bundleUnderTest());
 }
 
 TEST_F(Loader, AClassBelongsToTheBundleThatDefinesIt) {
@@ -164,7 +178,7 @@ TEST_F(Loader, AClassBelongsToTheBundleThatDefinesIt) {
     EXPECT_EQ(framework().bundleOf(Class{}).info("CFBundleIdentifier"), "com.apple.springboard");
     EXPECT_EQ(standin::text(NSBundle::bundleForClass(Class{}).bundleIdentifier()),
               "com.apple.springboard");
-    standin::SharedInstance stranger{"Stranger"};
+    standin::PlainInstance stranger{"Stranger"};
     EXPECT_EQ(framework().bundleOf(Class{standin::word(stranger)}).info("CFBundleIdentifier"),
               "com.apple.springboard");
 }

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "platform/standin/runtime/bundle_folder.h"
+#include "platform/standin/runtime/module.h"
 
 namespace quillet::macho {
 

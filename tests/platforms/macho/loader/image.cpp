@@ -8,7 +8,7 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/standin/runtime/bundle_folder.h"
+#include "platform/standin/runtime/module.h"
 
 namespace quillet::macho {
 

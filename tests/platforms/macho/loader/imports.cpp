@@ -16,7 +16,7 @@
 #include "platform/notify.h"
 #include "platform/springboard_classes.h"
 #include "platform/standin/device/device.h"
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/instances.h"
 #include "platform/system.h"
 #include "tests/platforms/macho/loader/runtime.h"
 
@@ -69,7 +69,7 @@ int respondsToSelector(Id object, Selector selector) {
 
 // As for the stand-in's own NSObject, the process keeps its objects' storage.
 void* allocate(std::size_t count, std::size_t size) {
-    return standin::Device::current().allocate(count * size);
+    return standin::Device::current().storage.allocate(count * size);
 }
 void deallocate(void* /*storage*/) {}
 

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "platform/standin/runtime/bundle_folder.h"
+#include "platform/standin/runtime/module.h"
 
 namespace quillet::macho {
 

@@ -6,8 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
-#include "platform/standin/runtime/bundle_folder.h"
+#include "platform/standin/runtime/module.h"
 #include "tests/platforms/macho/loader/classes.h"
 #include "tests/platforms/macho/loader/exports.h"
 #include "tests/platforms/macho/loader/fixups.h"

@@ -11,7 +11,7 @@
 #include "platform/property_list.h"
 #include "platform/run_loop.h"
 #include "platform/springboard_classes.h"
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/instances.h"
 #include "tests/platforms/macho/loader/runtime.h"
 
 namespace quillet::macho {

@@ -8,8 +8,8 @@
 #include <memory>
 #include <utility>
 
-#include "platform/standin/runtime/bundle_folder.h"
-#include "platform/standin/runtime/instance.h"
+#include "platform/standin/runtime/instances.h"
+#include "platform/standin/runtime/module.h"
 #include "tests/platforms/macho/loader/platform_methods.h"
 
 namespace quillet::macho {

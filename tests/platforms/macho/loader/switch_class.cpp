@@ -5,7 +5,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/standin/runtime/bundle_folder.h"
+#include "platform/standin/flipswitch.h"
+#include "platform/standin/runtime/module.h"
 
 namespace quillet::macho {
 

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "platform/standin/device/event_loop.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quillet::standin {
+
+void EventLoop::at(double time, Work work) {
+    timers_.emplace(std::pair{time, added_++}, std::move(work));
+}
+
+EventLoop::Work EventLoop::takeDue(double now, std::uint64_t end) {
+    for (auto timer = timers_.begin(); timer != timers_.end(); ++timer) {
+        const auto [time, number] = timer->first;
+        if (time > now) break;
+        if (number < end) return std::move(timers_.extract(timer).mapped());
+    }
+    return {};
+}
+
+void EventLoop::turn() {
+    const double now = clock_.now();
+    const std::uint64_t end = added_;
+    while (const Work work = takeDue(now, end)) work();
+    observers_.deliver();
+}
+
+double EventLoop::nextTime(double limit) const {
+    return timers_.empty() ? limit : std::min(limit, timers_.begin()->first.first);
+}
+
+void EventLoop::runUntil(double limit) {
+    ++depth_;
+    turn();
+    while (!isEnding() && clock_.now() < limit) {
+        waitUntil(nextTime(limit));
+        turn();
+    }
+    if (--depth_ == 0) isStopped_ = false;
+}
+
+void EventLoop::waitUntil(double time) {
+    if (!clock_.isVirtual()) {
+        table_.waitForPost(time - clock_.now(), [this] { return observers_.isPending(); });
+    } else if (!observers_.isPending()) {
+        clock_.advanceTo(time);
+    }
+}
+
+}  // namespace quillet::standin

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <utility>
+
+#include "platform/standin/notifications/notification_table.h"
+
+namespace quillet::standin {
+
+/// A name of the table, and the posts of it that its holder has seen.
+class Subscription {
+public:
+    /// Which posts count as seen: those up to now, or none, not even the want of one, so that the
+    /// first check of all finds something.
+    enum class Seen { upToNow, none };
+
+    Subscription(NotificationTable::Entry& entry, Seen seen) : entry_{&entry} {
+        if (seen == Seen::upToNow) seen_ = entry.posts.load();
+    }
+
+    NotificationTable::Entry& entry() const { return *entry_; }
+
+    /// Whether there is a post that was not seen.
+    bool isPending() const { return seen_ != entry_->posts.load(); }
+
+    /// The same, and sees it.
+    bool check() {
+        const std::uint32_t posts = entry_->posts.load();
+        return std::exchange(seen_, posts) != posts;
+    }
+
+private:
+    NotificationTable::Entry* entry_;
+    std::optional<std::uint32_t> seen_;
+};
+
+}  // namespace quillet::standin

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+#include "platform/standin/device/new_phone.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/standin/device/hardware.h"
+#include "platform/standin/device/root.h"
+#include "platform/standin/files/file.h"
+#include "platform/standin/notifications/notification_table.h"
+#include "platform/standin/plist/property_list.h"
+#include "tests/support/child.h"
+#include "tests/support/no_room.h"
+#include "tests/support/temporary_folder.h"
+
+namespace quillet::test {
+namespace {
+
+namespace fs = std::filesystem;
+using standin::DeviceRoot;
+using standin::Dictionary;
+using standin::NotificationTable;
+using standin::Value;
+
+constexpr char preferences[] = "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist";
+constexpr char springBoard[] = "/var/mobile/Library/Preferences/com.apple.springboard.plist";
+constexpr char graphicsServices[] =
+    "/System/Library/PrivateFrameworks/GraphicsServices.framework/GraphicsServices";
+
+/// What is below a folder: files with their bytes, folders with nothing.
+std::map<std::string, std::string> contents(const fs::path& folder) {
+    std::map<std::string, std::string> found;
+    for (const auto& entry : fs::recursive_directory_iterator{folder}) {
+        const std::string name = fs::relative(entry.path(), folder);
+        found[name] = standin::readFile(entry.path()).value_or("");
+    }
+    return found;
+}
+
+/// The device at `path`, a new phone with the switch's preferences if there was nothing.
+DeviceRoot deviceAt(const fs::path& path) {
+    return DeviceRoot{standin::makeNewPhone(path, {{preferences, {{"vibrate-when-off", true}}}})};
+}
+
+class NewPhone : public testing::Test {
+protected:
+    fs::path folder() const { return folder_.path(); }
+    fs::path path() const { return folder() / "root"; }
+
+    void write(const fs::path& file, const std::string& bytes) const {
+        fs::create_directories(file.parent_path());
+        std::ofstream{file, std::ios::binary} << bytes;
+    }
+
+    void expectRefused(const fs::path& root) const {
+        const auto before = contents(folder());
+        EXPECT_THROW(deviceAt(root), std::runtime_error) << root;
+        EXPECT_EQ(contents(folder()), before) << root;
+    }
+
+private:
+    TemporaryFolder folder_;
+};
+
+/// The value in a file of the device, which must be there.
+Value valueIn(const fs::path& file) {
+    return standin::readPropertyList(standin::readFile(file).value()).value();
+}
+
+void expectNewPhone(const fs::path& root) {
+    const DeviceRoot device = deviceAt(root);
+    EXPECT_EQ(valueIn(device.below(preferences)), (Dictionary{{"vibrate-when-off", true}}));
+    const auto settings = std::get<Dictionary>(valueIn(device.below(springBoard)));
+    ASSERT_NE(settings.find("ring-vibrate"), nullptr);
+    ASSERT_NE(settings.find("silent-vibrate"), nullptr);
+    EXPECT_EQ(*settings.find("ring-vibrate"), Value{true});
+    EXPECT_EQ(*settings.find("silent-vibrate"), Value{true});
+    EXPECT_TRUE(fs::is_regular_file(device.below(graphicsServices)));
+
+    NotificationTable table{device.below(DeviceRoot::notificationsPath)};
+    ASSERT_NE(table.find("com.apple.springboard.ringerstate"), nullptr);
+    EXPECT_EQ(table.find("com.apple.springboard.ringerstate")->state.load(), 1U);
+    const standin::Hardware hardware{device.below(DeviceRoot::hardwarePath)};
+    EXPECT_EQ(hardware.volume("Ringtone"), 0.75F);
+    EXPECT_FALSE(hardware.isRingerMuted());
+}
+
+TEST_F(NewPhone, AnAbsentFolderIsMadeWithItsParentsAndANewPhonesFiles) {
+    expectNewPhone(folder() / "not" / "yet" / "there");
+}
+
+TEST_F(NewPhone, HoldsNothingForThoseWhoHandNothingOver) {
+    standin::makeNewPhone(path(), {});
+    EXPECT_FALSE(fs::exists(DeviceRoot{path()}.below(preferences)));
+}
+
+TEST_F(NewPhone, AnEmptyFolderIsFilled) {
+    fs::create_directory(path());
+    expectNewPhone(path());
+}
+
+TEST_F(NewPhone, NothingIsLeftBesideTheRootAndOthersMayReadIt) {
+    deviceAt(path());
+    const fs::directory_iterator files{folder()};
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1);
+    EXPECT_EQ(fs::status(path()).permissions(), fs::perms{0755});
+}
+
+TEST_F(NewPhone, ADeviceIsTakenAsItIs) {
+    deviceAt(path());
+    fs::remove(deviceAt(path()).below(preferences));
+    fs::remove(deviceAt(path()).below(graphicsServices));
+    write(path() / "more", "a file of the user's");
+    const auto before = contents(folder());
+    deviceAt(path());
+    EXPECT_EQ(contents(folder()), before);
+}
+
+TEST_F(NewPhone, AFolderWithOtherThingsIsRefusedAndUntouched) {
+    write(path() / "holiday.txt", "a file of the user's");
+    expectRefused(path());
+    fs::remove(path() / "holiday.txt");
+    fs::create_directories(path() / "var");
+    expectRefused(path());
+}
+
+TEST_F(NewPhone, AFileIsNoRoot) {
+    write(path(), "a file of the user's");
+    expectRefused(path());
+    expectRefused(path() / "below");
+    write(path(), "");
+    expectRefused(path());
+}
+
+TEST_F(NewPhone, APlaceThatCannotBeWrittenIsNoRoot) {
+    EXPECT_THROW(deviceAt("/proc/quillet"), std::runtime_error);
+    EXPECT_THROW(deviceAt("/dev/null/root"), std::runtime_error);
+    EXPECT_THROW(deviceAt(""), std::runtime_error);
+}
+
+TEST_F(NewPhone, WithoutRoomNothingIsMadeAndNothingIsLeft) {
+    {
+        const NoRoom noRoom;
+        EXPECT_THROW(deviceAt(path()), std::runtime_error);
+    }
+    EXPECT_TRUE(fs::is_empty(folder()));
+}
+
+TEST_F(NewPhone, ATrailingSlashMakesNoDifference) {
+    deviceAt(path().string() + "/");
+    EXPECT_EQ(deviceAt(path().string() + "//").below("/a"), deviceAt(path()).below("/a"));
+    const fs::directory_iterator files{folder()};
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1);
+}
+
+TEST_F(NewPhone, TheMessageNamesThePath) {
+    write(path() / "holiday.txt", "a file of the user's");
+    try {
+        deviceAt(path());
+        FAIL() << "a folder with other things is no root";
+    } catch (const std::runtime_error& error) {
+        EXPECT_NE(std::string{error.what()}.find(path().string()), std::string::npos);
+    }
+}
+
+/// A test whose working folder is the test's own.
+class NewPhoneFromHere : public NewPhone {
+protected:
+    NewPhoneFromHere() { fs::current_path(folder()); }
+    ~NewPhoneFromHere() override { fs::current_path(before_); }
+
+private:
+    fs::path before_ = fs::current_path();
+};
+
+TEST_F(NewPhoneFromHere, ARelativePathIsMeantFromTheWorkingFolder) {
+    const DeviceRoot root = deviceAt("root");
+    EXPECT_TRUE(fs::is_regular_file(path() / "var/run/notifications"));
+    fs::current_path("/");
+    EXPECT_EQ(root.below("/a"), path() / "a") << "and stays where it was meant";
+}
+
+TEST_F(NewPhoneFromHere, AnEmptyWorkingFolderMayBeTheRoot) {
+    fs::create_directory(path());
+    fs::current_path(path());
+    expectNewPhone(".");
+    expectNewPhone(path());
+}
+
+TEST_F(NewPhone, ALinkToAnEmptyFolderIsFilledWhereItPoints) {
+    fs::create_directory(folder() / "elsewhere");
+    fs::create_directory_symlink("elsewhere", path());
+    expectNewPhone(path());
+    EXPECT_TRUE(fs::is_symlink(path()));
+    expectNewPhone(folder() / "elsewhere");
+}
+
+TEST_F(NewPhone, SeveralProcessesThatMakeOneAtOnceAllHaveIt) {
+    constexpr int processes = 4;
+    for (int round = 0; round < 10; ++round) {
+        const fs::path shared = folder() / std::to_string(round) / "root";
+        Gate gate;
+        std::vector<std::unique_ptr<Child>> makers;
+        for (int process = 0; process < processes; ++process) {
+            makers.push_back(std::make_unique<Child>([&gate, &shared, process] {
+                if (!gate.pass()) return 1;
+                const DeviceRoot device = deviceAt(shared);
+                NotificationTable table{device.below(DeviceRoot::notificationsPath)};
+                table.findOrAdd("from." + std::to_string(process))->state = 1;
+                return table.find("com.apple.springboard.ringerstate") != nullptr ? 0 : 2;
+            }));
+        }
+        for (int process = 0; process < processes; ++process) gate.open();
+        for (const auto& maker : makers) EXPECT_EQ(maker->wait(), 0);
+
+        const fs::directory_iterator files{shared.parent_path()};
+        EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "nothing but the root is left";
+        NotificationTable table{deviceAt(shared).below(DeviceRoot::notificationsPath)};
+        for (int process = 0; process < processes; ++process) {
+            EXPECT_NE(table.find("from." + std::to_string(process)), nullptr) << "all have one";
+        }
+    }
+}
+
+}  // namespace
+}  // namespace quillet::test
