@@ -10,11 +10,11 @@ AVSystemController AVSystemController::sharedAVSystemController() {
 }
 
 BOOL AVSystemController::getVolume(float* volume, NSString forCategory) const {
-    return [object(*this) getVolume:volume forCategory:object(forCategory)];
+    return [object(*this) getVolume:volume forCategory:object(forCategory)] != NO;
 }
 
 BOOL AVSystemController::setVolumeTo(float volume, NSString forCategory) const {
-    return [object(*this) setVolumeTo:volume forCategory:object(forCategory)];
+    return [object(*this) setVolumeTo:volume forCategory:object(forCategory)] != NO;
 }
 
 }  // namespace quillet

@@ -5,7 +5,17 @@
 #include "platform/string.h"
 
 // The platform's Objective-C classes and functions that this folder sends messages to, with only
-// the messages that it sends. A flag is `bool` here, as it is on every 64-bit device.
+// the messages that it sends.
+
+// Two types of messages differ on 32-bit devices: a flag is a number of one byte there. The names
+// are the platform's, in the global namespace.
+#if __LP64__
+using BOOL = bool;
+using CGFloat = double;
+#else
+using BOOL = signed char;
+using CGFloat = float;
+#endif
 
 @class NSString;
 
@@ -18,7 +28,7 @@ __attribute__((objc_root_class))
 - (id)init;
 - (id)retain;
 - (oneway void)release;
-- (bool)respondsToSelector:(SEL)selector;
+- (BOOL)respondsToSelector:(SEL)selector;
 @end
 
 @interface NSString : NSObject
@@ -26,9 +36,9 @@ __attribute__((objc_root_class))
 @end
 
 @interface NSNumber : NSObject
-+ (id)numberWithBool:(bool)value;
++ (id)numberWithBool:(BOOL)value;
 + (id)numberWithFloat:(float)value;
-- (bool)boolValue;
+- (BOOL)boolValue;
 - (float)floatValue;
 @end
 
@@ -41,12 +51,12 @@ __attribute__((objc_root_class))
 @interface NSMutableDictionary : NSDictionary
 - (void)setValue:(id)value forKey:(NSString*)key;
 - (void)setObject:(id)value forKey:(id)key;
-- (bool)writeToFile:(NSString*)path atomically:(bool)atomically;
+- (BOOL)writeToFile:(NSString*)path atomically:(BOOL)atomically;
 @end
 
 @interface NSFileManager : NSObject
 + (id)defaultManager;
-- (bool)fileExistsAtPath:(NSString*)path;
+- (BOOL)fileExistsAtPath:(NSString*)path;
 @end
 
 @interface NSBundle : NSObject
@@ -74,8 +84,8 @@ __attribute__((objc_root_class))
 
 @interface AVSystemController : NSObject
 + (id)sharedAVSystemController;
-- (bool)getVolume:(float*)volume forCategory:(NSString*)category;
-- (bool)setVolumeTo:(float)volume forCategory:(NSString*)category;
+- (BOOL)getVolume:(float*)volume forCategory:(NSString*)category;
+- (BOOL)setVolumeTo:(float)volume forCategory:(NSString*)category;
 @end
 
 @interface SBRingerHUDController : NSObject
@@ -85,7 +95,7 @@ __attribute__((objc_root_class))
 
 @interface SBMediaController : NSObject
 + (id)sharedInstance;
-- (void)setRingerMuted:(bool)muted;
+- (void)setRingerMuted:(BOOL)muted;
 @end
 
 extern "C" {
@@ -93,7 +103,7 @@ extern "C" {
 Class NSClassFromString(NSString* name);
 SEL sel_registerName(const char* name);
 Class object_getClass(id object);
-bool class_respondsToSelector(Class cls, SEL selector);
+BOOL class_respondsToSelector(Class cls, SEL selector);
 void* calloc(size_t count, size_t size);
 void free(void* storage);
 

@@ -18,10 +18,10 @@ Object& Object::operator=(const Object& other) noexcept {
 Object::~Object() { [object(*this) release]; }
 
 BOOL Object::respondsToSelector(const char* selector) const {
-    return [object(*this) respondsToSelector:sel_registerName(selector)];
+    return [object(*this) respondsToSelector:sel_registerName(selector)] != NO;
 }
 
-BOOL Object::boolValue() const { return [object(*this) boolValue]; }
+BOOL Object::boolValue() const { return [object(*this) boolValue] != NO; }
 
 float Object::floatValue() const { return [object(*this) floatValue]; }
 

@@ -47,7 +47,7 @@ void NSMutableDictionary::setObject(Object value, NSString forKey) const {
 }
 
 BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
-    return [object(*this) writeToFile:object(path) atomically:atomically != NO];
+    return [object(*this) writeToFile:object(path) atomically:atomically != NO] != NO;
 }
 
 NSFileManager NSFileManager::defaultManager() {
@@ -55,7 +55,7 @@ NSFileManager NSFileManager::defaultManager() {
 }
 
 BOOL NSFileManager::fileExistsAtPath(NSString path) const {
-    return [object(*this) fileExistsAtPath:object(path)];
+    return [object(*this) fileExistsAtPath:object(path)] != NO;
 }
 
 }  // namespace quillet

@@ -10,15 +10,15 @@
 - (void)applyActionForSwitchIdentifier:(NSString*)identifier;
 - (NSString*)titleForSwitchIdentifier:(NSString*)identifier;
 - (id)glyphImageDescriptorOfState:(quillet::FSSwitchState)state
-                             size:(double)size
-                            scale:(double)scale
+                             size:(CGFloat)size
+                            scale:(CGFloat)scale
               forSwitchIdentifier:(NSString*)identifier;
 - (NSBundle*)bundleForSwitchIdentifier:(NSString*)identifier;
 - (void)switchWasRegisteredForIdentifier:(NSString*)identifier;
 - (void)switchWasUnregisteredForIdentifier:(NSString*)identifier;
-- (bool)hasAlternateActionForSwitchIdentifier:(NSString*)identifier;
+- (BOOL)hasAlternateActionForSwitchIdentifier:(NSString*)identifier;
 - (void)applyAlternateActionForSwitchIdentifier:(NSString*)identifier;
-- (bool)switchWithIdentifierIsEnabled:(NSString*)identifier;
+- (BOOL)switchWithIdentifierIsEnabled:(NSString*)identifier;
 @end
 
 /// The switch as the framework finds it: a class of the bundle's own module, so that
