@@ -154,6 +154,13 @@ TEST_P(Module, ListsItsClassAsOneWhoseLoadMustRun) {
     EXPECT_EQ(entries("__objc_nlclslist"), entries("__objc_classlist"));
 }
 
+// The linker does not merge what several objects say of themselves.
+TEST_P(Module, TellsTheRuntimeOfItselfOnce) {
+    const std::string sections =
+        textOf("llvm-objdump-14 --section-headers " + builtModule(GetParam()));
+    EXPECT_THAT(column(linesWith(sections, "__objc_imageinfo").at(0), 2), ElementsAre("00000008"));
+}
+
 TEST_P(Module, IsUnder100KB) {
     EXPECT_LT(std::filesystem::file_size(builtModule(GetParam())), 100'000U);
 }
