@@ -5,8 +5,9 @@
 # to say of its own goes to standard error.
 
 readonly buildPackages=(g++ cmake ninja-build)
-readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev)
-readonly iosPackages=(clang-14 lld-14 llvm-14)
+readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev
+    libssl-dev)
+readonly iosPackages=(g++ libssl-dev clang-14 lld-14 llvm-14)
 readonly deviceTestPackages=("${iosPackages[@]}" gobjc++ libgnustep-base-dev googletest
     g++-aarch64-linux-gnu qemu-user)
 
@@ -63,9 +64,9 @@ requirePrograms() {  # package…
     done
     ((${#missing[@]} == 0)) || fail "please install ${missing[*]}. Needed are g++ 12 or later," \
         "CMake 3.25 or later, Ninja and, for the tests, GoogleTest with GoogleMock, libplist," \
-        "GNUstep's Foundation with gcc's Objective-C++, g++ for aarch64 with an emulator, and" \
-        "clang 14 with lld and llvm, which also build for devices; for all checks clang's tools" \
-        "and sanitizers, ShellCheck and gcovr."
+        "OpenSSL, GNUstep's Foundation with gcc's Objective-C++, g++ for aarch64 with an emulator," \
+        "and clang 14 with lld and llvm, which also build for devices; for all checks clang's" \
+        "tools and sanitizers, ShellCheck and gcovr."
 }
 
 # Sees to it that the programs and libraries of the given Debian packages are there: installs what
