@@ -35,6 +35,11 @@ void append(std::string& bytes, const Record& record) {
     bytes.append(reinterpret_cast<const char*>(&record), sizeof record);
 }
 
+/// The number of bytes, as the file format counts them.
+inline std::uint32_t sizeOf(std::string_view bytes) {
+    return static_cast<std::uint32_t>(bytes.size());
+}
+
 /// Writes over what is there, which must be enough.
 template <class Record>
 void put(std::string& bytes, std::size_t offset, const Record& record) {

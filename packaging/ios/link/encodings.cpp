@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "packaging/ios/link/bytes.h"
 #include "packaging/ios/link/mach_o.h"
 
 namespace quillet::linker {
@@ -78,95 +79,27 @@ std::string bindProgram(std::uint32_t segment, std::vector<Bind> binds) {
     return program + operation(done);
 }
 
-namespace {
-
-// A node of the tree of exports:
-//
-//   size of the next two   flags (0)   address   number of edges   edge…
-//                          '--- absent if no name ends here ---'
-//   edge: characters, a zero byte, and where in the tree the node is that they lead to
-struct Node {
-    std::string terminal;
-    std::vector<std::pair<std::string, std::size_t>> edges;
-    std::uint32_t offset = 0;
-};
-
-class Trie {
-public:
-    explicit Trie(const std::map<std::string, std::uint32_t>& exports)
-        : exports_{exports.begin(), exports.end()} {
-        addNode(0, exports_.size(), 0);
-    }
-
-    /// A node's size depends on where the others are, and the other way round: places only grow,
-    /// so this ends.
-    std::string bytes() {
-        for (;;) {
-            std::string bytes;
-            bool isSettled = true;
-            for (Node& node : nodes_) {
-                const auto offset = static_cast<std::uint32_t>(bytes.size());
-                isSettled = isSettled && node.offset == offset;
-                node.offset = offset;
-                bytes += encoded(node);
-            }
-            if (isSettled) return bytes;
-        }
-    }
-
-private:
-    /// The node for the names from `first` to before `last`, which have `depth` characters in
-    /// common.
-    std::size_t addNode(std::size_t first, std::size_t last, std::size_t depth) {
-        const std::size_t index = nodes_.size();
-        nodes_.emplace_back();
-        if (first < last && exports_[first].first.size() == depth) {
-            nodes_[index].terminal = uleb(0) + uleb(exports_[first].second);
-            ++first;
-        }
-        while (first < last) {
-            const std::size_t next = endOfEdge(first, last, depth);
-            const std::size_t length = sharedLength(first, next - 1);
-            const std::string label = exports_[first].first.substr(depth, length - depth);
-            const std::size_t child = addNode(first, next, length);
-            nodes_[index].edges.emplace_back(label, child);
-            first = next;
-        }
-        return index;
-    }
-
-    /// The first name behind `first` that goes on with another character at `depth`.
-    std::size_t endOfEdge(std::size_t first, std::size_t last, std::size_t depth) const {
-        std::size_t end = first + 1;
-        while (end < last && exports_[end].first[depth] == exports_[first].first[depth]) ++end;
-        return end;
-    }
-
-    /// The number of characters that two names begin with. The names are in order, so all those
-    /// between begin with them too.
-    std::size_t sharedLength(std::size_t one, std::size_t other) const {
-        const std::string& name = exports_[one].first;
-        return static_cast<std::size_t>(std::ranges::mismatch(name, exports_[other].first).in1 -
-                                        name.begin());
-    }
-
-    std::string encoded(const Node& node) const {
-        std::string bytes = uleb(static_cast<std::uint32_t>(node.terminal.size())) + node.terminal;
-        bytes += static_cast<char>(node.edges.size());
-        for (const auto& [label, child] : node.edges) {
-            bytes += label + '\0' + uleb(nodes_[child].offset);
-        }
-        return bytes;
-    }
-
-    std::vector<std::pair<std::string, std::uint32_t>> exports_;
-    std::vector<Node> nodes_;
-};
-
-}  // namespace
-
 std::string exportTrie(const std::map<std::string, std::uint32_t>& exports) {
-    return Trie{exports}.bytes();
+    // Nodes, of which this tree has one for the root and one for each name:
+    //
+    //   size of the next two   flags (0)   address   number of edges   edge…
+    //                          '--- if a name ends here ---'
+    //   edge: characters, a zero byte, and where in the tree the node is that they lead to
+    //
+    // A name that another one begins with must come behind it: the first edge that fits is
+    // followed.
+    if (exports.size() > 0xFF) refuse("more exports than a node has edges");
+    // The root's size depends on what stands in it, and the other way round.
+    for (std::uint32_t rootSize = 0;;) {
+        std::string root{'\0', static_cast<char>(exports.size())}, leaves;
+        for (auto one = exports.rbegin(); one != exports.rend(); ++one) {
+            const std::string terminal = uleb(0) + uleb(one->second);
+            root += one->first + '\0' + uleb(rootSize + sizeOf(leaves));
+            leaves += uleb(sizeOf(terminal)) + terminal + '\0';
+        }
+        if (sizeOf(root) == rootSize) return root + leaves;
+        rootSize = sizeOf(root);
+    }
 }
 
 }  // namespace quillet::linker

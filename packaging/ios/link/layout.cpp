@@ -15,7 +15,6 @@ using mach_o::SectionRecord;
 //   add ip, pc, #distance, high bits
 //   ldr pc, [ip, #distance, low 12 bits]
 constexpr std::uint32_t addToPc = 0xE28FCA00, loadPc = 0xE59CF000;
-constexpr std::uint32_t reach = 1U << 20;
 constexpr std::uint32_t stubSize = 8;
 /// What an instruction reads as its own place is two instructions further on.
 constexpr std::uint32_t pcAhead = 8;

@@ -47,21 +47,17 @@ public:
         addSymbols();
         addIndirectSymbols();
         linkEdit_.names = add(names_);
-        linkEdit_.content.resize(aligned(size(linkEdit_.content), endAlignment));
+        linkEdit_.content.resize(aligned(sizeOf(linkEdit_.content), endAlignment));
         return std::move(linkEdit_);
     }
 
 private:
-    static std::uint32_t size(const std::string& bytes) {
-        return static_cast<std::uint32_t>(bytes.size());
-    }
-
     /// Adds a table, which begins at a word.
     mach_o::Range add(const std::string& table) {
-        linkEdit_.content.resize(aligned(size(linkEdit_.content), 4));
-        const std::uint32_t offset = size(image_.content) + size(linkEdit_.content);
+        linkEdit_.content.resize(aligned(sizeOf(linkEdit_.content), 4));
+        const std::uint32_t offset = sizeOf(image_.content) + sizeOf(linkEdit_.content);
         linkEdit_.content += table;
-        return {offset, size(table)};
+        return {offset, sizeOf(table)};
     }
 
     void addImport(std::uint32_t index) {
@@ -138,7 +134,7 @@ private:
     }
 
     std::uint32_t addName(const std::string& name) {
-        const std::uint32_t offset = size(names_);
+        const std::uint32_t offset = sizeOf(names_);
         names_ += name + '\0';
         return offset;
     }
@@ -148,7 +144,7 @@ private:
         std::string table;
         for (const Section* section : image_.sections) {
             if (section->indirect.empty()) continue;
-            linkEdit_.firstIndirect[section] = size(table) / 4;
+            linkEdit_.firstIndirect[section] = sizeOf(table) / 4;
             for (const std::uint32_t symbol : section->indirect) {
                 const auto import = imports_.find(object_.symbols[symbol].name);
                 const auto number = std::distance(imports_.begin(), import);
@@ -156,7 +152,7 @@ private:
             }
         }
         linkEdit_.indirect = add(table);
-        linkEdit_.indirectCount = size(table) / 4;
+        linkEdit_.indirectCount = sizeOf(table) / 4;
     }
 
     const ObjectFile& object_;

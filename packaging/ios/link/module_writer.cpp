@@ -67,19 +67,18 @@ private:
     /// Adds a load command, and fills in its size; `tail` belongs to it.
     template <class Record>
     void add(Record record, std::string_view tail = {}) {
-        record.command.size = static_cast<std::uint32_t>(sizeof record + tail.size());
+        record.command.size = std::uint32_t{sizeof record} + sizeOf(tail);
         append(commands_, record);
         commands_ += tail;
         ++commandCount_;
     }
 
     void addSegments() {
-        const auto end = static_cast<std::uint32_t>(image_.content.size());
+        const auto end = sizeOf(image_.content);
         addSegment("__TEXT", 0, image_.dataStart, SegmentCommand::read | SegmentCommand::execute);
         addSegment("__DATA", image_.dataStart, end - image_.dataStart,
                    SegmentCommand::read | SegmentCommand::write);
-        addSegment("__LINKEDIT", end, static_cast<std::uint32_t>(linkEdit_.content.size()),
-                   SegmentCommand::read);
+        addSegment("__LINKEDIT", end, sizeOf(linkEdit_.content), SegmentCommand::read);
     }
 
     void addSegment(std::string_view name, std::uint32_t start, std::uint32_t size,
@@ -88,8 +87,7 @@ private:
         for (const Section* section : image_.sections) {
             if (section->segment == name) append(records, record(*section));
         }
-        const auto count =
-            static_cast<std::uint32_t>(records.size() / sizeof(mach_o::SectionRecord));
+        const auto count = sizeOf(records) / std::uint32_t{sizeof(mach_o::SectionRecord)};
         add(SegmentCommand{{Command::segment, 0},
                            fixedName(name),
                            start,
@@ -141,7 +139,7 @@ private:
 
     void addLibrary(const StubLibrary& library) {
         std::string name = library.name + '\0';
-        name.resize(aligned(static_cast<std::uint32_t>(name.size()), 4));
+        name.resize(aligned(sizeOf(name), 4));
         add(mach_o::LibraryCommand{{library.isWeak ? Command::weakLibrary : Command::library, 0},
                                    sizeof(mach_o::LibraryCommand),
                                    0,
@@ -154,7 +152,7 @@ private:
     std::string withHeader() const {
         std::string start;
         append(start, Header{Header::thisMagic, Header::arm, Header::v7, Header::bundle,
-                             commandCount_, static_cast<std::uint32_t>(commands_.size()),
+                             commandCount_, sizeOf(commands_),
                              Header::noUndefined | Header::forDynamicLinker | Header::twoLevel});
         start += commands_;
         if (start.size() + sizeof(mach_o::RangeCommand) > pageSize) {

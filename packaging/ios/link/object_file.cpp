@@ -129,6 +129,7 @@ private:
             refuse("unknown section " + section.segment + "," + section.name + " of type " +
                    hexadecimal(section.type()));
         }
+        if (record.size > reach) refuse("too large: " + section.name);
         section.content = section.type() == SectionRecord::zeroFilled
                               ? std::string(record.size, '\0')
                               : std::string{part(file_, record.fileOffset, record.size)};
@@ -143,7 +144,8 @@ private:
 
     void readDataInCode(mach_o::Range range) {
         for (std::uint32_t at = 0; at < range.size; at += sizeof(mach_o::DataInCode)) {
-            object_.dataInCode.push_back(recordAt<mach_o::DataInCode>(file_, range.offset + at));
+            object_.dataInCode.push_back(
+                recordAt<mach_o::DataInCode>(file_, std::size_t{range.offset} + at));
         }
     }
 
@@ -173,6 +175,9 @@ private:
         if (isDefined && (record.description & SymbolRecord::thumb) != 0) {
             refuse("a function in Thumb code: " + name);
         }
+        if (!isDefined && (record.description & SymbolRecord::weakImport) != 0) {
+            refuse("an import that may be missing: " + name);
+        }
         const bool isWeak = (record.description & SymbolRecord::weakDefinition) != 0;
         if (isWeak && isExternal && !isHidden) {
             refuse("a symbol to be merged with other modules': " + name);
@@ -185,7 +190,8 @@ private:
         for (std::size_t i = 0; i < records_.size(); ++i) {
             Section& section = object_.sections[i];
             if (section.type() != SectionRecord::importedPointers) continue;
-            std::size_t at = dynamicSymbols_.indirectOffset + 4 * records_[i].firstIndirect;
+            std::size_t at =
+                dynamicSymbols_.indirectOffset + std::size_t{4} * records_[i].firstIndirect;
             for (std::uint32_t slot = 0; slot < section.size / 4; ++slot, at += 4) {
                 section.indirect.push_back(importAt(at));
             }

@@ -10,6 +10,9 @@
 
 namespace quillet::linker {
 
+/// How far a stub jumps, and so how large a module may be.
+inline constexpr std::uint32_t reach = 1U << 20;
+
 /// A word or an instruction that depends on where things come to lie.
 struct Relocation {
     enum class Kind {

@@ -54,7 +54,7 @@ Entry entryAt(std::string_view table, std::size_t at) {
     if (entry.isScattered) what += ", scattered";
     if (entry.isExternal) what += ", external";
     if (entry.isRelative) what += ", relative";
-    refuse("unknown relocation " + what + ", of " + std::to_string(1 << entry.length) + " bytes");
+    refuse("unknown relocation " + what + ", length " + std::to_string(entry.length));
 }
 
 class RelocationReader {
@@ -69,17 +69,21 @@ public:
             if (entry.place % 4 != 0 || entry.place + 4 > section_.size) {
                 refuse("a relocation beside the words of " + section_.name);
             }
-            if (entry.isScattered) at += 8;
-            relocations.push_back(entry.isScattered ? difference(entry, entryAt(table, at))
-                                                    : plain(entry));
+            if (entry.isScattered) {
+                at += 8;
+                relocations.push_back(difference(entry, table, at));
+            } else {
+                relocations.push_back(plain(entry));
+            }
         }
         return relocations;
     }
 
 private:
-    static Relocation difference(const Entry& to, const Entry& from) {
+    static Relocation difference(const Entry& to, std::string_view table, std::size_t fromAt) {
         if (to.type != sectionDifference || to.isRelative || to.length != wordLength)
             refuseEntry(to);
+        const Entry from = entryAt(table, fromAt);
         if (!from.isScattered || from.type != pair) refuseEntry(from);
         return {Relocation::Kind::difference, to.place, 0, to.value, from.value};
     }
