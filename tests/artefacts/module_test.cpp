@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
 
 #include "tests/artefacts/built.h"
 
@@ -41,7 +42,7 @@ std::vector<std::string> lastWords(std::vector<std::string> lines) {
     return lines;
 }
 
-/// Each test sees the modules of both architectures.
+/// Each test sees the modules of all architectures.
 class Module : public testing::TestWithParam<std::string> {
 protected:
     static std::string objdump(const std::string& options) {
@@ -54,13 +55,21 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Built, Module, testing::Values("arm64", "x86_64"),
+INSTANTIATE_TEST_SUITE_P(Built, Module, testing::Values("armv7", "arm64", "x86_64"),
+                         [](const auto& instance) { return instance.param; });
+
+/// What is told otherwise of 32-bit modules: see armv7_test.cpp.
+class Module64 : public Module {};
+
+INSTANTIATE_TEST_SUITE_P(Built, Module64, testing::Values("arm64", "x86_64"),
                          [](const auto& instance) { return instance.param; });
 
 TEST_P(Module, IsABundleOfItsArchitectureWhoseImportsNameTheirLibraries) {
     const std::string header = objdump("--private-header");
     EXPECT_THAT(column(header, 4), Contains("BUNDLE"));
-    EXPECT_THAT(column(header, 1), Contains(GetParam() == "arm64" ? "ARM64" : "X86_64"));
+    const std::map<std::string, std::string> processors = {
+        {"armv7", "ARM"}, {"arm64", "ARM64"}, {"x86_64", "X86_64"}};
+    EXPECT_THAT(column(header, 1), Contains(processors.at(GetParam())));
     EXPECT_THAT(header, HasSubstr("TWOLEVEL"));
 }
 
@@ -108,7 +117,7 @@ TEST_P(Module, NeedsNothingOfTheCppRuntime) {
     EXPECT_THAT(imports, Each(Not(HasSubstr("_Unwind"))));
 }
 
-TEST_P(Module, LetsAnExceptionOfTheHostPassThrough) {
+TEST_P(Module64, LetsAnExceptionOfTheHostPassThrough) {
     EXPECT_THAT(objdump("--unwind-info"),
                 HasSubstr("Number of personality functions in array:  0x0"));
     EXPECT_THAT(objdump("--private-headers"), HasSubstr("sectname __unwind_info"));
@@ -125,7 +134,7 @@ TEST_P(Module, BindsTheClassesThatItSendsMessagesToAndNoneOfSpringBoards) {
                              "_OBJC_CLASS_$_NSString", "_OBJC_CLASS_$_NSThread", "(weak_import)"));
 }
 
-TEST_P(Module, DefinesTheOneClassRingerSwitch) {
+TEST_P(Module64, DefinesTheOneClassRingerSwitch) {
     const std::string metadata = objdump("--objc-meta-data");
     EXPECT_THAT(lastWords(linesWith(metadata, "superclass")),
                 ElementsAre("_OBJC_CLASS_$_NSObject", "_OBJC_METACLASS_$_NSObject"));
@@ -138,7 +147,7 @@ TEST_P(Module, DefinesTheOneClassRingerSwitch) {
                     "FSSwitchDataSource", "RingerSwitch", "load", "FSSwitchDataSource"));
 }
 
-TEST_P(Module, TakesAndAnswersSwitchStatesAs32BitIntegers) {
+TEST_P(Module64, TakesAndAnswersSwitchStatesAs32BitIntegers) {
     EXPECT_THAT(lastWords(linesWith(objdump("--objc-meta-data"), "types 0x")),
                 ElementsAre("i24@0:8@16", "v28@0:8i16@20", "v16@0:8"));
 }
@@ -165,14 +174,14 @@ TEST_P(Module, IsUnder100KB) {
     EXPECT_LT(std::filesystem::file_size(builtModule(GetParam())), 100'000U);
 }
 
-TEST(UniversalModule, HoldsTheModulesOfBothArchitecturesUnchanged) {
-    const std::string both = builtModule("");
-    for (const std::string architecture : {"arm64", "x86_64"}) {
+TEST(UniversalModule, HoldsTheModulesOfAllArchitecturesUnchanged) {
+    const std::string universal = builtModule("");
+    for (const std::string architecture : {"armv7", "arm64", "x86_64"}) {
         const std::string slice = builtFolder() + "/slice";
-        textOf("llvm-lipo-14 " + both + " -thin " + architecture + " -output " + slice);
+        textOf("llvm-lipo-14 " + universal + " -thin " + architecture + " -output " + slice);
         EXPECT_EQ(run("cmp " + slice + " " + builtModule(architecture)).status, 0) << architecture;
     }
-    EXPECT_THAT(textOf("llvm-lipo-14 -archs " + both), HasSubstr("x86_64 arm64"));
+    EXPECT_THAT(textOf("llvm-lipo-14 -archs " + universal), HasSubstr("x86_64 armv7 arm64"));
 }
 
 }  // namespace
