@@ -45,8 +45,8 @@ std::string machineName(std::string_view name) {
     return std::string{name};
 }
 
-standin::Host hostVariant(std::string_view variant) {
-    const auto host = standin::parseHost(variant);
+standin::HostVariant hostVariant(std::string_view variant) {
+    const auto host = standin::parseHostVariant(variant);
     if (!host) throw UsageError("no such host variant: " + quoted(variant));
     return *host;
 }

@@ -22,7 +22,7 @@ struct Options {
     std::filesystem::path root;
     std::filesystem::path bundle;
     std::string machine = "iPhone6,1";
-    standin::Host host;
+    standin::HostVariant host;
     bool traces = false;
     /// Empty for standard error.
     std::filesystem::path traceFile;

@@ -11,8 +11,8 @@ namespace quillet {
 
 using standin::Answer;
 using standin::Device;
-using standin::Host;
 using standin::HostInstance;
+using standin::HostVariant;
 using standin::Instance;
 using standin::send;
 
@@ -48,20 +48,20 @@ Reference instanceOf(const Instance& cls, bool isPresent, std::vector<std::strin
 }  // namespace
 
 SBRingerHUDController SBRingerHUDController::classInHost() {
-    const Host::Indicator indicator = Device::current().host.indicator;
+    const HostVariant::Indicator indicator = Device::current().host.indicator;
     std::vector<std::string> selectors = {sharedInstanceSelector};
-    if (indicator == Host::Indicator::atClass) selectors.emplace_back(activateSelector);
-    return lookUp<SBRingerHUDController>(indicatorName, indicator != Host::Indicator::absent,
+    if (indicator == HostVariant::Indicator::class_) selectors.emplace_back(activateSelector);
+    return lookUp<SBRingerHUDController>(indicatorName, indicator != HostVariant::Indicator::absent,
                                          std::move(selectors));
 }
 
 SBRingerHUDController SBRingerHUDController::sharedInstance() const {
     return send(*this, [](const Instance& cls) {
-        const Host::Indicator indicator = Device::current().host.indicator;
+        const HostVariant::Indicator indicator = Device::current().host.indicator;
         std::vector<std::string> selectors;
-        if (indicator == Host::Indicator::atInstance) selectors.emplace_back(activateSelector);
-        return instanceOf<SBRingerHUDController>(cls, indicator != Host::Indicator::noInstance,
-                                                 std::move(selectors));
+        if (indicator == HostVariant::Indicator::instance) selectors.emplace_back(activateSelector);
+        return instanceOf<SBRingerHUDController>(
+            cls, indicator != HostVariant::Indicator::noInstance, std::move(selectors));
     });
 }
 
@@ -73,16 +73,16 @@ void SBRingerHUDController::activate(int state) const {
 }
 
 SBMediaController SBMediaController::classInHost() {
-    const bool isPresent = Device::current().host.media != Host::Media::absent;
+    const bool isPresent = Device::current().host.media != HostVariant::Media::absent;
     return lookUp<SBMediaController>(mediaName, isPresent, {sharedInstanceSelector});
 }
 
 SBMediaController SBMediaController::sharedInstance() const {
     return send(*this, [](const Instance& cls) {
-        const Host::Media media = Device::current().host.media;
+        const HostVariant::Media media = Device::current().host.media;
         std::vector<std::string> selectors;
-        if (media == Host::Media::present) selectors.emplace_back(muteSelector);
-        return instanceOf<SBMediaController>(cls, media != Host::Media::noInstance,
+        if (media == HostVariant::Media::instance) selectors.emplace_back(muteSelector);
+        return instanceOf<SBMediaController>(cls, media != HostVariant::Media::noInstance,
                                              std::move(selectors));
     });
 }

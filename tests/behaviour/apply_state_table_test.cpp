@@ -14,7 +14,7 @@ namespace quillet::test {
 namespace {
 
 using standin::Dictionary;
-using standin::Host;
+using standin::HostVariant;
 using ::testing::ElementsAreArray;
 
 /// The preferences file: none, without a pattern, with the default one, or with one's own choices.
@@ -29,7 +29,7 @@ struct Case {
     std::int32_t state;
     Choices choices;
     bool iPod;
-    Host host;
+    HostVariant host;
     bool registers;
 };
 
@@ -191,30 +191,30 @@ private:
     }
 
     void showAndMute() {
-        lookUp("SBMediaController", case_.host.media != Host::Media::absent);
-        lookUp("SBRingerHUDController", case_.host.indicator != Host::Indicator::absent);
-        if (case_.host.indicator != Host::Indicator::absent) show();
-        if (case_.host.media != Host::Media::absent) mute();
+        lookUp("SBMediaController", case_.host.media != HostVariant::Media::absent);
+        lookUp("SBRingerHUDController", case_.host.indicator != HostVariant::Indicator::absent);
+        if (case_.host.indicator != HostVariant::Indicator::absent) show();
+        if (case_.host.media != HostVariant::Media::absent) mute();
     }
 
     void show() {
-        const Host::Indicator indicator = case_.host.indicator;
-        const bool atClass = indicator == Host::Indicator::atClass;
+        const HostVariant::Indicator indicator = case_.host.indicator;
+        const bool atClass = indicator == HostVariant::Indicator::class_;
         const std::string state = turnsOn() ? "(1)" : "(0)";
         add("SBRingerHUDController respondsToSelector:(\"activate:\") = " + word(atClass));
         if (atClass) {
             add("SBRingerHUDController activate:" + state);
             return;
         }
-        askForInstance("SBRingerHUDController", indicator != Host::Indicator::noInstance);
-        if (indicator == Host::Indicator::atInstance) {
+        askForInstance("SBRingerHUDController", indicator != HostVariant::Indicator::noInstance);
+        if (indicator == HostVariant::Indicator::instance) {
             add("<SBRingerHUDController> activate:" + state);
         }
     }
 
     void mute() {
-        const bool hasInstance = case_.host.media != Host::Media::noInstance;
-        const bool responds = case_.host.media == Host::Media::present;
+        const bool hasInstance = case_.host.media != HostVariant::Media::noInstance;
+        const bool responds = case_.host.media == HostVariant::Media::instance;
         askForInstance("SBMediaController", hasInstance);
         if (!hasInstance) return;
         add("<SBMediaController> respondsToSelector:(\"setRingerMuted:\") = " + word(responds));
@@ -275,13 +275,14 @@ std::vector<Choices> allChoices() {
     return all;
 }
 
-std::vector<Host> allHosts() {
-    std::vector<Host> all;
+std::vector<HostVariant> allHosts() {
+    std::vector<HostVariant> all;
     for (const auto indicator :
-         {Host::Indicator::absent, Host::Indicator::atClass, Host::Indicator::atInstance,
-          Host::Indicator::noInstance, Host::Indicator::deafInstance}) {
-        for (const auto media : {Host::Media::absent, Host::Media::present, Host::Media::noInstance,
-                                 Host::Media::deafInstance}) {
+         {HostVariant::Indicator::absent, HostVariant::Indicator::class_,
+          HostVariant::Indicator::instance, HostVariant::Indicator::noInstance,
+          HostVariant::Indicator::deaf}) {
+        for (const auto media : {HostVariant::Media::absent, HostVariant::Media::instance,
+                                 HostVariant::Media::noInstance, HostVariant::Media::deaf}) {
             all.push_back({indicator, media});
         }
     }
@@ -335,7 +336,7 @@ TEST_P(ApplyStateTable, MakesExactlyTheCallsOfEveryStepInTheirOrder) {
     const auto choices = allChoices();
     const auto hosts = allHosts();
     for (const Choices& choice : choices) {
-        for (const Host& host : hosts) {
+        for (const HostVariant& host : hosts) {
             for (const bool registers : {true, false}) {
                 SCOPED_TRACE(::testing::Message()
                              << "file " << choice.file << " pattern " << choice.pattern.value_or(9)

@@ -11,7 +11,7 @@ namespace quillet::test {
 namespace {
 
 using standin::Dictionary;
-using standin::Host;
+using standin::HostVariant;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
@@ -333,7 +333,7 @@ TEST(ApplyState, OnOnAnIPodWithAFileWithoutTheVolumeSetsSilence) {
 }
 
 TEST(ApplyState, ActivatesTheIndicatorAtTheInstanceWhereTheClassDoesNotRespond) {
-    Phone phone{{.host = {.indicator = Host::Indicator::atInstance}}};
+    Phone phone{{.host = {.indicator = HostVariant::Indicator::instance}}};
     EXPECT_THAT(only(applied(phone, 1), {"activate:"}),
                 ElementsAre("<SBRingerHUDController> activate:(1)"));
     EXPECT_THAT(only(applied(phone, 0), {"activate:"}),
@@ -342,7 +342,8 @@ TEST(ApplyState, ActivatesTheIndicatorAtTheInstanceWhereTheClassDoesNotRespond) 
 
 TEST(ApplyState, DoesTheRestWhereTheHostLacksBothClasses) {
     Phone phone{{.machine = "iPod5,1",
-                 .host = {.indicator = Host::Indicator::absent, .media = Host::Media::absent}}};
+                 .host = {.indicator = HostVariant::Indicator::absent,
+                          .media = HostVariant::Media::absent}}};
     phone.write(preferencesPath, ownVibration(true, true));
     phone.apply(0);
     phone.log().clear();

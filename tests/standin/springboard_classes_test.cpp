@@ -9,15 +9,16 @@
 namespace quillet::test {
 namespace {
 
-using standin::Host;
+using standin::HostVariant;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr Host::Media everyMedia[] = {Host::Media::absent, Host::Media::present,
-                                      Host::Media::noInstance, Host::Media::deafInstance};
+constexpr HostVariant::Media everyMedia[] = {
+    HostVariant::Media::absent, HostVariant::Media::instance, HostVariant::Media::noInstance,
+    HostVariant::Media::deaf};
 
 struct IndicatorRow {
-    Host::Indicator variant;
+    HostVariant::Indicator variant;
     bool hasClass;
     bool classActivates;
     bool hasInstance;
@@ -25,28 +26,28 @@ struct IndicatorRow {
 };
 
 constexpr IndicatorRow indicatorRows[] = {
-    {Host::Indicator::absent, false, false, false, false},
-    {Host::Indicator::atClass, true, true, true, false},
-    {Host::Indicator::atInstance, true, false, true, true},
-    {Host::Indicator::noInstance, true, false, false, false},
-    {Host::Indicator::deafInstance, true, false, true, false},
+    {HostVariant::Indicator::absent, false, false, false, false},
+    {HostVariant::Indicator::class_, true, true, true, false},
+    {HostVariant::Indicator::instance, true, false, true, true},
+    {HostVariant::Indicator::noInstance, true, false, false, false},
+    {HostVariant::Indicator::deaf, true, false, true, false},
 };
 
 struct MediaRow {
-    Host::Media variant;
+    HostVariant::Media variant;
     bool hasClass;
     bool hasInstance;
     bool instanceMutes;
 };
 
 constexpr MediaRow mediaRows[] = {
-    {Host::Media::absent, false, false, false},
-    {Host::Media::present, true, true, true},
-    {Host::Media::noInstance, true, false, false},
-    {Host::Media::deafInstance, true, true, false},
+    {HostVariant::Media::absent, false, false, false},
+    {HostVariant::Media::instance, true, true, true},
+    {HostVariant::Media::noInstance, true, false, false},
+    {HostVariant::Media::deaf, true, true, false},
 };
 
-std::string nameOf(Host::Indicator indicator, Host::Media media) {
+std::string nameOf(HostVariant::Indicator indicator, HostVariant::Media media) {
     return "indicator " + std::to_string(static_cast<int>(indicator)) + ", media " +
            std::to_string(static_cast<int>(media));
 }
@@ -107,8 +108,8 @@ TEST_F(HostClasses, EveryVariantHasAndAnswersWhatItSays) {
 }
 
 TEST_F(HostClasses, AnAbsentClassIsLookedUpAndThenReachesNobody) {
-    for (const Host::Media media : everyMedia) {
-        device().host = {Host::Indicator::absent, media};
+    for (const HostVariant::Media media : everyMedia) {
+        device().host = {HostVariant::Indicator::absent, media};
         forgetCalls();
         const auto cls = SBRingerHUDController::classInHost();
         EXPECT_EQ(cls.respondsToSelector("activate:"), NO);
@@ -119,7 +120,7 @@ TEST_F(HostClasses, AnAbsentClassIsLookedUpAndThenReachesNobody) {
 }
 
 TEST_F(HostClasses, TheClassAndItsInstanceAreTraced) {
-    device().host.indicator = Host::Indicator::atInstance;
+    device().host.indicator = HostVariant::Indicator::instance;
     const auto cls = SBRingerHUDController::classInHost();
     cls.respondsToSelector("activate:");
     cls.sharedInstance().activate(0);
@@ -155,7 +156,7 @@ TEST_F(HostClasses, MutingIsKeptByTheDevice) {
 }
 
 TEST_F(HostClasses, ADeafInstanceLeavesTheMuteAsItIs) {
-    device().host.media = Host::Media::deafInstance;
+    device().host.media = HostVariant::Media::deaf;
     const auto media = SBMediaController::classInHost().sharedInstance();
     forgetCalls();
     media.setRingerMuted(YES);

@@ -23,7 +23,7 @@ inline constexpr char springBoardPath[] =
 
 struct PhoneOptions {
     std::string machine = "iPhone6,1";
-    standin::Host host = {};
+    standin::HostVariant host = {};
     standin::Clock::Kind clock = standin::Clock::Kind::virtualTime;
 };
 

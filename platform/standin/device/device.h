@@ -30,7 +30,7 @@ struct DeviceOptions {
     std::vector<NewFile> newFiles = {};
     /// The model, as uname tells it.
     std::string machine = "iPhone6,1";
-    Host host = {};
+    HostVariant host = {};
     Clock::Kind clock = Clock::Kind::real;
     OpenModule openModule = openSharedObject;
 };
@@ -60,7 +60,7 @@ public:
     Clock clock;
     DeviceRoot root;
     std::string machine;
-    Host host;
+    HostVariant host;
     Trace trace;
     Hardware hardware;
     NotificationTable notifications;

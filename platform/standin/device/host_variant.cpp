@@ -20,22 +20,22 @@ bool choose(Variant& variant, std::string_view word,
     return true;
 }
 
-constexpr auto indicatorWords = std::to_array<std::pair<std::string_view, Host::Indicator>>({
-    {"absent", Host::Indicator::absent},
-    {"class", Host::Indicator::atClass},
-    {"instance", Host::Indicator::atInstance},
-    {"no-instance", Host::Indicator::noInstance},
-    {"deaf", Host::Indicator::deafInstance},
+constexpr auto indicatorWords = std::to_array<std::pair<std::string_view, HostVariant::Indicator>>({
+    {"absent", HostVariant::Indicator::absent},
+    {"class", HostVariant::Indicator::class_},
+    {"instance", HostVariant::Indicator::instance},
+    {"no-instance", HostVariant::Indicator::noInstance},
+    {"deaf", HostVariant::Indicator::deaf},
 });
 
-constexpr auto mediaWords = std::to_array<std::pair<std::string_view, Host::Media>>({
-    {"absent", Host::Media::absent},
-    {"instance", Host::Media::present},
-    {"no-instance", Host::Media::noInstance},
-    {"deaf", Host::Media::deafInstance},
+constexpr auto mediaWords = std::to_array<std::pair<std::string_view, HostVariant::Media>>({
+    {"absent", HostVariant::Media::absent},
+    {"instance", HostVariant::Media::instance},
+    {"no-instance", HostVariant::Media::noInstance},
+    {"deaf", HostVariant::Media::deaf},
 });
 
-bool parsePart(Host& host, std::string_view part) {
+bool parsePart(HostVariant& host, std::string_view part) {
     constexpr std::string_view indicator = "indicator=";
     constexpr std::string_view media = "media=";
     if (part.starts_with(indicator)) {
@@ -46,8 +46,8 @@ bool parsePart(Host& host, std::string_view part) {
 
 }  // namespace
 
-std::optional<Host> parseHost(std::string_view variant) {
-    Host host;
+std::optional<HostVariant> parseHostVariant(std::string_view variant) {
+    HostVariant host;
     for (std::size_t begin = 0; begin <= variant.size();) {
         const std::size_t end = std::min(variant.find(',', begin), variant.size());
         if (!parsePart(host, variant.substr(begin, end - begin))) return std::nullopt;

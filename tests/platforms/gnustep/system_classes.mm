@@ -9,7 +9,7 @@
 
 using quillet::gnustep::standinString;
 using quillet::standin::Device;
-using quillet::standin::Host;
+using quillet::standin::HostVariant;
 
 namespace {
 
@@ -126,9 +126,9 @@ namespace {
 
 ::Class indicatorVariant() {
     switch (Device::current().host.indicator) {
-        case Host::Indicator::atClass:
+        case HostVariant::Indicator::class_:
             return [QuilletIndicatorAtClass class];
-        case Host::Indicator::atInstance:
+        case HostVariant::Indicator::instance:
             return [QuilletIndicatorAtInstance class];
         default:
             return [::SBRingerHUDController class];
@@ -136,8 +136,9 @@ namespace {
 }
 
 ::Class mediaVariant() {
-    return Device::current().host.media == Host::Media::present ? [QuilletMutingController class]
-                                                                : [::SBMediaController class];
+    return Device::current().host.media == HostVariant::Media::instance
+               ? [QuilletMutingController class]
+               : [::SBMediaController class];
 }
 
 }  // namespace

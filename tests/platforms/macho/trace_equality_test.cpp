@@ -19,7 +19,7 @@ namespace {
 
 using standin::Device;
 using standin::Dictionary;
-using standin::Host;
+using standin::HostVariant;
 using standin::Value;
 using ::testing::ElementsAreArray;
 
@@ -28,7 +28,7 @@ constexpr char identifier[] = "com.velk.switch.ringer";
 
 struct Case {
     std::string machine = "iPhone6,1";
-    Host host = {};
+    HostVariant host = {};
     Dictionary preferences = {};
     Dictionary springBoard = {};
 };
@@ -135,7 +135,7 @@ TEST(DeviceBuild, FlipsWithTheSameCallsInEveryHost) {
         for (const char* const media : {"absent", "instance", "no-instance", "deaf"}) {
             const std::string variant = std::string{"indicator="} + indicator + ",media=" + media;
             SCOPED_TRACE(variant);
-            const auto host = standin::parseHost(variant);
+            const auto host = standin::parseHostVariant(variant);
             ASSERT_TRUE(host.has_value());
             expectEqualTraces({.host = *host}, flip, 60);
         }

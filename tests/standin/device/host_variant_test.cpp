@@ -9,40 +9,40 @@
 namespace quillet::test {
 namespace {
 
-using standin::Host;
-using standin::parseHost;
-using Indicator = Host::Indicator;
-using Media = Host::Media;
+using standin::HostVariant;
+using standin::parseHostVariant;
+using Indicator = HostVariant::Indicator;
+using Media = HostVariant::Media;
 
 constexpr std::pair<const char*, Indicator> indicators[] = {
-    {"absent", Indicator::absent},       {"class", Indicator::atClass},
-    {"instance", Indicator::atInstance}, {"no-instance", Indicator::noInstance},
-    {"deaf", Indicator::deafInstance},
+    {"absent", Indicator::absent},     {"class", Indicator::class_},
+    {"instance", Indicator::instance}, {"no-instance", Indicator::noInstance},
+    {"deaf", Indicator::deaf},
 };
 constexpr std::pair<const char*, Media> media[] = {
     {"absent", Media::absent},
-    {"instance", Media::present},
+    {"instance", Media::instance},
     {"no-instance", Media::noInstance},
-    {"deaf", Media::deafInstance},
+    {"deaf", Media::deaf},
 };
 
 void expectHost(const std::string& variant, Indicator indicator, Media controller) {
-    const auto host = parseHost(variant);
+    const auto host = parseHostVariant(variant);
     ASSERT_TRUE(host) << variant;
     EXPECT_EQ(host->indicator, indicator) << variant;
     EXPECT_EQ(host->media, controller) << variant;
 }
 
-TEST(ParseHost, EachWordNamesOneVariantAndLeavesTheOtherClassAsItIsByDefault) {
+TEST(ParseHostVariant, EachWordNamesOneVariantAndLeavesTheOtherClassAsItIsByDefault) {
     for (const auto& [word, variant] : indicators) {
-        expectHost(std::string{"indicator="} + word, variant, Media::present);
+        expectHost(std::string{"indicator="} + word, variant, Media::instance);
     }
     for (const auto& [word, variant] : media) {
-        expectHost(std::string{"media="} + word, Indicator::atClass, variant);
+        expectHost(std::string{"media="} + word, Indicator::class_, variant);
     }
 }
 
-TEST(ParseHost, BothClassesMayBeNamedInEitherOrder) {
+TEST(ParseHostVariant, BothClassesMayBeNamedInEitherOrder) {
     for (const auto& [indicatorWord, indicator] : indicators) {
         for (const auto& [mediaWord, controller] : media) {
             const std::string first = std::string{"indicator="} + indicatorWord;
@@ -53,11 +53,11 @@ TEST(ParseHost, BothClassesMayBeNamedInEitherOrder) {
     }
 }
 
-TEST(ParseHost, OfTwoWordsForOneClassTheLastCounts) {
-    expectHost("indicator=deaf,indicator=absent", Indicator::absent, Media::present);
+TEST(ParseHostVariant, OfTwoWordsForOneClassTheLastCounts) {
+    expectHost("indicator=deaf,indicator=absent", Indicator::absent, Media::instance);
 }
 
-TEST(ParseHost, EverythingElseDescribesNoHost) {
+TEST(ParseHostVariant, EverythingElseDescribesNoHost) {
     for (const char* const variant : {"",
                                       ",",
                                       "indicator",
@@ -79,7 +79,7 @@ TEST(ParseHost, EverythingElseDescribesNoHost) {
                                       "indicator=class,media=other",
                                       "=absent",
                                       "indicator==absent"}) {
-        EXPECT_FALSE(parseHost(variant)) << '"' << variant << '"';
+        EXPECT_FALSE(parseHostVariant(variant)) << '"' << variant << '"';
     }
 }
 
