@@ -10,7 +10,7 @@
 #include <string>
 
 #include "platform/standin/plist/property_list.h"
-#include "tests/springboard/program.h"
+#include "tests/support/program.h"
 
 namespace quillet::test {
 namespace {

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/springboard/program.h"
+#include "tests/springboard/springboard.h"
 
 namespace quillet::test {
 namespace {

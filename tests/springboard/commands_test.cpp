@@ -7,7 +7,7 @@
 
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/root.h"
-#include "tests/springboard/program.h"
+#include "tests/springboard/springboard.h"
 
 namespace quillet::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/standin/plist/property_list.h"
-#include "tests/springboard/program.h"
+#include "tests/springboard/springboard.h"
 
 namespace quillet::test {
 namespace {

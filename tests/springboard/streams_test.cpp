@@ -5,7 +5,7 @@
 #include <regex>
 #include <string>
 
-#include "tests/springboard/program.h"
+#include "tests/springboard/springboard.h"
 
 namespace quillet::test {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/springboard/program.h"
+#include "tests/springboard/springboard.h"
 
 namespace quillet::test {
 namespace {

@@ -17,8 +17,6 @@ namespace {
 constexpr pid_t none = -1;
 constexpr int failed = 99;
 
-int statusOf(int report) { return WIFSIGNALED(report) ? -WTERMSIG(report) : WEXITSTATUS(report); }
-
 int answerOf(const std::function<int()>& body) {
     try {
         return body();
@@ -29,6 +27,8 @@ int answerOf(const std::function<int()>& body) {
 }
 
 }  // namespace
+
+int statusOf(int report) { return WIFSIGNALED(report) ? -WTERMSIG(report) : WEXITSTATUS(report); }
 
 Child::Child(const std::function<int()>& body) : process_{fork()} {
     if (process_ == none) throw std::runtime_error("no second process");

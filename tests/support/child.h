@@ -28,6 +28,10 @@ private:
     int status_ = 0;
 };
 
+/// How a process ended, of what waitpid(2) reports: the exit status, or the negative number of the
+/// signal that ended it.
+int statusOf(int report);
+
 /// Lets processes that were forked after it was made wait for one another.
 class Gate {
 public:
