@@ -4,7 +4,7 @@
 # What the scripts share. To be sourced; needs bash and nothing else. Everything that a script has
 # to say of its own goes to standard error.
 
-readonly buildPackages=(g++ cmake ninja-build)
+readonly buildPackages=(g++ cmake ninja-build nlohmann-json3-dev)
 readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev
     libssl-dev)
 readonly iosPackages=(g++ libssl-dev clang-14 lld-14 llvm-14)
@@ -51,7 +51,7 @@ programOf() {  # package
         g++-aarch64-linux-gnu) echo aarch64-linux-gnu-g++ ;;
         qemu-user) echo qemu-aarch64 ;;
         googletest) ;;
-        lib*) ;;  # no program: CMake and the compiler tell what they miss
+        lib* | nlohmann-json3-dev) ;;  # no program: CMake and the compiler tell what they miss
         *) echo "$1" ;;
     esac
 }
@@ -63,10 +63,10 @@ requirePrograms() {  # package…
         [[ -z $program ]] || command -v "$program" >/dev/null || missing+=("$program")
     done
     ((${#missing[@]} == 0)) || fail "please install ${missing[*]}. Needed are g++ 12 or later," \
-        "CMake 3.25 or later, Ninja and, for the tests, GoogleTest with GoogleMock, libplist," \
-        "OpenSSL, GNUstep's Foundation with gcc's Objective-C++, g++ for aarch64 with an emulator," \
-        "and clang 14 with lld and llvm, which also build for devices; for all checks clang's" \
-        "tools and sanitizers, ShellCheck and gcovr."
+        "CMake 3.25 or later, Ninja, nlohmann's JSON library and, for the tests, GoogleTest with" \
+        "GoogleMock, libplist, OpenSSL, GNUstep's Foundation with gcc's Objective-C++, g++ for" \
+        "aarch64 with an emulator, and clang 14 with lld and llvm, which also build for devices;" \
+        "for all checks clang's tools and sanitizers, ShellCheck and gcovr."
 }
 
 # Sees to it that the programs and libraries of the given Debian packages are there: installs what

@@ -3,7 +3,10 @@
 
 #include <iostream>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
+
+#include "springboard/trace_format.h"
 
 namespace quillet {
 
@@ -39,16 +42,12 @@ void HostProcess::startTrace(const std::filesystem::path& file) {
     trace_ = file.empty() ? &std::cerr : &traceFile_;
     // Each line at once: a reader may follow the trace while the switch runs.
     device_.trace.setSink(
-        [this](const TraceRecord& record) { *trace_ << toJSON(record) << std::endl; });
+        [this](const TraceRecord& record) { *trace_ << toLine(toJSON(record)) << std::endl; });
 }
 
 void HostProcess::print(FSSwitchState state) const {
     const char* const word = state == FSSwitchStateOn ? "on" : "off";
-    if (json_) {
-        std::cout << R"({"state": ")" << word << R"("})" << std::endl;
-    } else {
-        std::cout << word << std::endl;
-    }
+    std::cout << (json_ ? toLine({{"state", word}}) : word) << std::endl;
 }
 
 void HostProcess::checkOutput() const {

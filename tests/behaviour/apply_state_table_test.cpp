@@ -112,11 +112,7 @@ private:
             add("GSSendAppPreferencesChanged(\"com.apple.springboard\", " + quoted(key) + ")");
         }
         time_ += 0.5;
-        standin::TraceRecord limit;
-        limit.arguments = {time_};
-        const std::string json = standin::toJSON(limit);
-        const std::size_t begin = json.find('[') + 1;
-        const std::string until = json.substr(begin, json.find(']') - begin);
+        const std::string until = render(time_);
         add("NSRunLoop currentRunLoop() = \"<NSRunLoop>\"");
         add("NSDate dateWithTimeIntervalSinceNow:(0.5) = " + until);
         add("<NSRunLoop> runUntilDate:(" + until + ")");

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <concepts>
 #include <iterator>
 
 #include "tests/support/under_test.h"
@@ -14,16 +16,38 @@ using standin::TraceValue;
 
 namespace {
 
-std::string render(const TraceValue& value) {
-    // Of the record's own rendering, just this value.
-    TraceRecord record;
-    record.arguments = {value};
-    const std::string json = toJSON(record);
-    const std::size_t begin = json.find('[') + 1;
-    return json.substr(begin, json.rfind(']') - begin);
+std::string digits(auto number) {
+    std::array<char, 32> text;
+    return {text.begin(), std::to_chars(text.begin(), text.end(), number).ptr};
 }
 
-/// What a line says up to the arguments: the receiver, if there is one, and the operation.
+struct Render {
+    std::string operator()(std::monostate) const { return "null"; }
+    std::string operator()(bool flag) const { return flag ? "true" : "false"; }
+    std::string operator()(std::integral auto number) const { return digits(number); }
+    std::string operator()(double number) const {
+        const auto single = static_cast<float>(number);
+        return double{single} == number ? digits(single) : digits(number);
+    }
+    std::string operator()(const std::string& text) const { return '"' + text + '"'; }
+};
+
+/// The receiver, if there is one, and the operation.
+std::string callOf(const TraceRecord& record) {
+    return (record.receiver.empty() ? "" : record.receiver + " ") + record.operation;
+}
+
+/// A record whose arguments `argument` writes, each by its index.
+template <class Argument>
+std::string lineOf(const TraceRecord& record, Argument argument) {
+    std::string line = callOf(record) + "(";
+    for (std::size_t i = 0; i < record.arguments.size(); ++i) {
+        line += (i == 0 ? "" : ", ") + argument(i);
+    }
+    return line + ")" + (record.result ? " = " + render(*record.result) : "");
+}
+
+/// What a line says up to the arguments.
 std::string callOf(const std::string& line) { return line.substr(0, line.find('(')); }
 
 /// The operation that a line is about.
@@ -42,6 +66,13 @@ int tokenIndex(const std::string& operation) {
 
 }  // namespace
 
+std::string render(const TraceValue& value) { return std::visit(Render{}, value); }
+
+std::string render(const TraceRecord& record) {
+    const auto argument = [&](std::size_t index) { return render(record.arguments[index]); };
+    return render(record.time) + " " + lineOf(record, argument);
+}
+
 /// Tokens are named in the order of their appearance, "t1" first: their numbers mean nothing.
 std::string CallLog::argument(const TraceRecord& record, std::size_t index) {
     const TraceValue& value = record.arguments[index];
@@ -53,16 +84,8 @@ std::string CallLog::argument(const TraceRecord& record, std::size_t index) {
 }
 
 void CallLog::add(const TraceRecord& record) {
-    std::string line = record.receiver.empty() ? "" : record.receiver + " ";
-    line += record.operation;
-    if (!isReported(line)) return;
-    line += "(";
-    for (std::size_t i = 0; i < record.arguments.size(); ++i) {
-        line += (i == 0 ? "" : ", ") + argument(record, i);
-    }
-    line += ")";
-    if (record.result) line += " = " + render(*record.result);
-    calls_.push_back(std::move(line));
+    if (!isReported(callOf(record))) return;
+    calls_.push_back(lineOf(record, [&](std::size_t index) { return argument(record, index); }));
     times_.push_back(record.time);
 }
 

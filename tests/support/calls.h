@@ -14,6 +14,13 @@ namespace quillet::test {
 /// are left out.
 using Calls = std::vector<std::string>;
 
+/// A value as it stands in such a line. A real number has as few digits as its precision, single
+/// where that holds it, needs to read it back.
+std::string render(const standin::TraceValue& value);
+
+/// All of a record: its time in seconds, then such a line, with tokens as they are.
+std::string render(const standin::TraceRecord& record);
+
 /// Writes down what a device's bundle calls.
 class CallLog {
 public:

@@ -35,9 +35,6 @@ struct TraceRecord {
     std::optional<TraceValue> result;
 };
 
-/// `record` as a JSON object in one line, without the line's end.
-std::string toJSON(const TraceRecord& record);
-
 TraceValue toTrace(const Object& object);
 TraceValue toTrace(std::string_view text);
 

@@ -12,6 +12,7 @@
 #include "platform/standin/plist/property_list.h"
 #include "prefs/prefs_loader.h"
 #include "tests/platforms/macho/loader/module.h"
+#include "tests/support/calls.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
@@ -59,7 +60,7 @@ Lines trace(const Build& build, const Case& with, Scenario scenario) {
                                  standin::writePropertyList(with.springBoard));
     Lines lines;
     device.trace.setSink([&](const standin::TraceRecord& record) {
-        if (record.receiver != "<NSObject>") lines.push_back(toJSON(record));
+        if (record.receiver != "<NSObject>") lines.push_back(render(record));
     });
     device.framework.load(build.bundle);
     scenario(device);
