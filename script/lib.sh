@@ -4,7 +4,7 @@
 # What the scripts share. To be sourced; needs bash and nothing else. Everything that a script has
 # to say of its own goes to standard error.
 
-readonly buildPackages=(g++ cmake ninja-build nlohmann-json3-dev)
+readonly buildPackages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev
     libssl-dev)
 readonly iosPackages=(g++ libssl-dev clang-14 lld-14 llvm-14)
@@ -63,8 +63,8 @@ requirePrograms() {  # package…
         [[ -z $program ]] || command -v "$program" >/dev/null || missing+=("$program")
     done
     ((${#missing[@]} == 0)) || fail "please install ${missing[*]}. Needed are g++ 12 or later," \
-        "CMake 3.25 or later, Ninja, nlohmann's JSON library and, for the tests, GoogleTest with" \
-        "GoogleMock, libplist, OpenSSL, GNUstep's Foundation with gcc's Objective-C++, g++ for" \
+        "CMake 3.25 or later, Ninja, CLI11, nlohmann's JSON library and, for the tests, GoogleTest" \
+        "with GoogleMock, libplist, OpenSSL, GNUstep's Foundation with gcc's Objective-C++, g++ for" \
         "aarch64 with an emulator, and clang 14 with lld and llvm, which also build for devices;" \
         "for all checks clang's tools and sanitizers, ShellCheck and gcovr."
 }

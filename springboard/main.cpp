@@ -9,6 +9,7 @@
 
 #include "springboard/host_process.h"
 #include "springboard/options.h"
+#include "springboard/usage_error.h"
 
 namespace quillet {
 

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/options.h"
 
-#include <getopt.h>
-
-#include <array>
+#include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <string_view>
+#include <utility>
+
+#include "springboard/arrange.h"
+#include "springboard/usage_error.h"
 
 namespace quillet {
 
@@ -16,22 +21,6 @@ namespace {
 
 /// uname's field holds 255 bytes and a NUL.
 constexpr std::size_t maxMachineLength = 255;
-
-enum Letter : int { root = 'r', bundle, machine, host, trace, json, version, help };
-
-constexpr std::array<option, 9> longOptions = {{
-    {"root", required_argument, nullptr, Letter::root},
-    {"bundle", required_argument, nullptr, Letter::bundle},
-    {"machine", required_argument, nullptr, Letter::machine},
-    {"host", required_argument, nullptr, Letter::host},
-    {"trace", optional_argument, nullptr, Letter::trace},
-    {"json", no_argument, nullptr, Letter::json},
-    {"version", no_argument, nullptr, Letter::version},
-    {"help", no_argument, nullptr, Letter::help},
-    {nullptr, 0, nullptr, 0},
-}};
-
-std::string quoted(std::string_view word) { return "\"" + std::string{word} + "\""; }
 
 fs::path nonEmpty(const char* option, std::string_view argument) {
     if (argument.empty()) throw UsageError(std::string{option} + " needs a name");
@@ -47,78 +36,8 @@ std::string machineName(std::string_view name) {
 
 standin::HostVariant hostVariant(std::string_view variant) {
     const auto host = standin::parseHostVariant(variant);
-    if (!host) throw UsageError("no such host variant: " + quoted(variant));
+    if (!host) throw UsageError("no such host variant: " + inQuotes(variant));
     return *host;
-}
-
-void setTrace(Options& options, const char* file) {
-    options.traces = true;
-    options.traceFile = file == nullptr ? fs::path{} : nonEmpty("--trace=FILE", file);
-}
-
-void apply(Options& options, int letter, const char* argument) {
-    switch (letter) {
-        case Letter::root:
-            options.root = nonEmpty("--root", argument);
-            break;
-        case Letter::bundle:
-            options.bundle = nonEmpty("--bundle", argument);
-            break;
-        case Letter::machine:
-            options.machine = machineName(argument);
-            break;
-        case Letter::host:
-            options.host = hostVariant(argument);
-            break;
-        case Letter::trace:
-            setTrace(options, argument);
-            break;
-        case Letter::json:
-            options.json = true;
-            break;
-        default:
-            break;
-    }
-}
-
-/// What getopt made of a word that is no option of ours, or lacks its argument or has one too many.
-UsageError badOption(int letter, std::string_view word) {
-    if (letter == ':') return UsageError("option " + quoted(word) + " needs an argument");
-    // getopt sets optopt for an option that it knows.
-    if (optopt != 0 && word.starts_with("--")) {
-        return UsageError("option takes no argument: " + quoted(word));
-    }
-    return UsageError("no such option: " + quoted(word));
-}
-
-/// Whether a word before "--" is none of the options: negative numbers are values for apply.
-bool isOperand(std::string_view word) {
-    const bool isNumber = word.size() > 1 && word[1] >= '0' && word[1] <= '9';
-    return !word.starts_with('-') || word == "-" || isNumber;
-}
-
-/// Splits the command line into options, which it applies, and other words. The answer is the
-/// letter of --help or --version if one of them is asked for.
-int parseWords(Options& options, int argc, char** argv, std::vector<std::string_view>& words) {
-    opterr = 0;
-    optind = 1;
-    bool optionsHaveEnded = false;
-    while (optind < argc) {
-        const std::string_view word = argv[optind];
-        if (!optionsHaveEnded && word == "--") {
-            optionsHaveEnded = true;
-            ++optind;
-        } else if (optionsHaveEnded || isOperand(word)) {
-            words.push_back(word);
-            ++optind;
-        } else {
-            const int letter = getopt_long(argc, argv, "+:", longOptions.data(), nullptr);
-            if (letter == Letter::help || letter == Letter::version) return letter;
-            if (letter == '?' || letter == ':') throw badOption(letter, word);
-            apply(options, letter, optarg);
-        }
-    }
-    return 0;
 }
 
 std::int32_t number(std::string_view word) {
@@ -127,37 +46,51 @@ std::int32_t number(std::string_view word) {
     const auto [end, error] = std::from_chars(digits.begin(), digits.end(), value);
     if (error != std::errc{} || end != digits.end() ||
         digits.starts_with('-') != (word[0] == '-')) {
-        throw UsageError("not a 32-bit signed number: " + quoted(word));
+        throw UsageError("not a 32-bit signed number: " + inQuotes(word));
     }
     return value;
 }
 
 std::int32_t onOrOff(std::string_view word) {
-    if (word != "on" && word != "off") throw UsageError("neither on nor off: " + quoted(word));
+    if (word != "on" && word != "off") throw UsageError("neither on nor off: " + inQuotes(word));
     return word == "on" ? 1 : 0;
 }
 
-void setCommand(Options& options, const std::vector<std::string_view>& words) {
-    if (words.empty()) throw UsageError("no command given");
-    const std::string_view name = words[0];
-    std::size_t most = 1;
-    if (name == "state") {
-        options.command = Command::state;
-    } else if (name == "watch") {
-        options.command = Command::watch;
-    } else if (name == "flip") {
-        options.command = Command::flip;
-        most = 2;
-        if (words.size() > 1) options.value = onOrOff(words[1]);
-    } else if (name == "apply") {
-        options.command = Command::apply;
-        most = 2;
-        if (words.size() < 2) throw UsageError("apply needs a number");
-        options.value = number(words[1]);
-    } else {
-        throw UsageError("no such command: " + quoted(name));
-    }
-    if (words.size() > most) throw UsageError("unexpected word: " + quoted(words[most]));
+/// Adds an option, or the place of a word, of which the last argument counts.
+CLI::Option* add(CLI::App& app, const char* name, const char* type,
+                 std::function<void(const std::string&)> take) {
+    const auto takeOne = [take = std::move(take)](const CLI::results_t& arguments) {
+        take(arguments.front());
+        return true;
+    };
+    return app.add_option(name, takeOne)->type_name(type)->take_last();
+}
+
+void addOptions(CLI::App& app, Options& options) {
+    app.set_help_flag("--help");
+    app.set_version_flag("--version", QUILLET_VERSION);
+    app.add_flag("--json", options.json);
+    add(app, "--root", "DIR", [&](auto& dir) { options.root = nonEmpty("--root", dir); });
+    add(app, "--bundle", "DIR", [&](auto& dir) { options.bundle = nonEmpty("--bundle", dir); });
+    add(app, "--machine", "NAME", [&](auto& name) { options.machine = machineName(name); });
+    add(app, "--host", "VARIANT", [&](auto& variant) { options.host = hostVariant(variant); });
+    add(app, "--trace", optionalFile, [&](auto& file) {
+        options.traces = true;
+        options.traceFile = file;
+    });
+}
+
+CLI::App& addCommand(CLI::App& app, const char* name, Options& options, Command command) {
+    return *app.add_subcommand(name)->callback([&options, command] { options.command = command; });
+}
+
+void addCommands(CLI::App& app, Options& options) {
+    addCommand(app, "state", options, Command::state);
+    addCommand(app, "watch", options, Command::watch);
+    CLI::App& flip = addCommand(app, "flip", options, Command::flip);
+    add(flip, "state", "on or off", [&](auto& word) { options.value = onOrOff(word); });
+    CLI::App& apply = addCommand(app, "apply", options, Command::apply);
+    add(apply, "state", "a number", [&](auto& word) { options.value = number(word); })->required();
 }
 
 /// Below the user's state folder; empty when the environment names none.
@@ -177,22 +110,35 @@ fs::path defaultBundle() {
     return fs::read_symlink("/proc/self/exe", error).parent_path() / "Quillet.bundle";
 }
 
-}  // namespace
-
-Options parseOptions(int argc, char** argv) {
-    Options options;
-    std::vector<std::string_view> words;
-    const int only = parseWords(options, argc, argv, words);
-    if (only != 0) {
-        options.command = only == Letter::help ? Command::help : Command::version;
-        return options;
-    }
-    setCommand(options, words);
+/// Where the device and the bundle are when the command line does not say it.
+void completeOptions(Options& options) {
     if (options.root.empty()) options.root = defaultRoot();
     if (options.root.empty()) {
         throw UsageError("no --root given, and neither XDG_STATE_HOME nor HOME names a folder");
     }
     if (options.bundle.empty()) options.bundle = defaultBundle();
+}
+
+}  // namespace
+
+Options parseOptions(int argc, char** argv) {
+    Options options;
+    CLI::App app;
+    app.fallthrough();
+    addOptions(app, options);
+    addCommands(app, options);
+    try {
+        std::vector<std::string> words = arrange(app, {argv + std::min(argc, 1), argv + argc});
+        std::ranges::reverse(words);  // So CLI11 wants them.
+        app.parse(words);
+    } catch (const CLI::CallForHelp&) {
+        options.command = Command::help;
+        return options;
+    } catch (const CLI::CallForVersion&) {
+        options.command = Command::version;
+        return options;
+    }
+    completeOptions(options);
     return options;
 }
 

@@ -4,9 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "platform/standin/device/host_variant.h"
 
@@ -27,12 +25,6 @@ struct Options {
     /// Empty for standard error.
     std::filesystem::path traceFile;
     bool json = false;
-};
-
-/// A command line that makes no sense, in words for the user.
-class UsageError : public std::runtime_error {
-public:
-    using runtime_error::runtime_error;
 };
 
 /// Reads a command line. Options may stand anywhere. Throws UsageError.

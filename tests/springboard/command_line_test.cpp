@@ -142,6 +142,19 @@ TEST_F(CommandLine, OfOneOptionGivenTwiceTheLastCounts) {
     expectOutput({"--root", "/dev/null", "--root", root(), "state"}, "on\n");
 }
 
+TEST_F(CommandLine, AFlagMayBeRepeated) {
+    expectOutput({"--json", "state", "--json"}, "{\"state\": \"on\"}\n");
+}
+
+TEST_F(CommandLine, WhatFollowsAnOptionIsItsArgumentWhateverItLooksLike) {
+    for (const char* const name : {"--json", "--", "state", "{}", "[a,b]", "-5"}) {
+        const Outcome outcome = run({"flip", "--trace", "--machine", name, "off"});
+        EXPECT_EQ(outcome.output, "off\n") << outcome.errors;
+        EXPECT_THAT(outcome.errors,
+                    HasSubstr("\"uname\", \"args\": [\"" + std::string{name} + "\"]"));
+    }
+}
+
 TEST_F(CommandLine, AMachineNameHasOneTo255Bytes) {
     expectBadUse({"state", "--machine", ""}, "1 to 255 bytes");
     expectBadUse({"state", "--machine", std::string(256, 'x')}, "1 to 255 bytes");
