@@ -29,20 +29,23 @@ HostProcess::HostProcess(const Options& options)
                .newFiles = {switchPreferences()},
                .machine = options.machine,
                .host = options.host}} {
-    if (options.traces) startTrace(options.traceFile);
+    if (options.traces) startTrace(options);
     identifier_ = device_.framework.load(options.bundle);
     switch_ = device_.framework.dataSource(identifier_);
 }
 
-void HostProcess::startTrace(const std::filesystem::path& file) {
+void HostProcess::startTrace(const Options& options) {
+    const std::filesystem::path& file = options.traceFile;
     if (!file.empty()) {
         traceFile_.open(file);
         if (!traceFile_) throw std::runtime_error(file.string() + ": cannot be written");
     }
     trace_ = file.empty() ? &std::cerr : &traceFile_;
     // Each line at once: a reader may follow the trace while the switch runs.
-    device_.trace.setSink(
-        [this](const TraceRecord& record) { *trace_ << toLine(toJSON(record)) << std::endl; });
+    device_.trace.setSink([this, format = options.traceFormat](const TraceRecord& record) {
+        const bool isText = format == TraceFormat::text;
+        *trace_ << (isText ? toText(record) : toLine(toJSON(record))) << std::endl;
+    });
 }
 
 void HostProcess::print(FSSwitchState state) const {

@@ -24,7 +24,7 @@ public:
     void watch();
 
 private:
-    void startTrace(const std::filesystem::path& file);
+    void startTrace(const Options& options);
     void print(FSSwitchState state) const;
     /// Throws std::runtime_error when something that was printed or traced could not be written.
     void checkOutput() const;

@@ -39,6 +39,8 @@ Options:
   --trace[=FILE]   write each platform operation that the switch calls as a line of JSON
                    (default: to standard error): "t" in seconds, "op", "receiver" of a message,
                    "args", and "result" where there is one
+  --trace-format FORMAT
+                   json (default), or text, a line for people at each operation
   --json           print states as JSON objects
   --version        print the version and exit
   --help           print this help and exit

@@ -40,6 +40,12 @@ standin::HostVariant hostVariant(std::string_view variant) {
     return *host;
 }
 
+TraceFormat traceFormat(std::string_view word) {
+    if (word != "json" && word != "text")
+        throw UsageError("no such trace format: " + inQuotes(word));
+    return word == "json" ? TraceFormat::json : TraceFormat::text;
+}
+
 std::int32_t number(std::string_view word) {
     std::int32_t value = 0;
     const std::string_view digits = word.starts_with('+') ? word.substr(1) : word;
@@ -74,10 +80,13 @@ void addOptions(CLI::App& app, Options& options) {
     add(app, "--bundle", "DIR", [&](auto& dir) { options.bundle = nonEmpty("--bundle", dir); });
     add(app, "--machine", "NAME", [&](auto& name) { options.machine = machineName(name); });
     add(app, "--host", "VARIANT", [&](auto& variant) { options.host = hostVariant(variant); });
-    add(app, "--trace", optionalFile, [&](auto& file) {
+    CLI::Option* const trace = add(app, "--trace", optionalFile, [&](auto& file) {
         options.traces = true;
         options.traceFile = file;
     });
+    add(app, "--trace-format", "FORMAT", [&](auto& word) {
+        options.traceFormat = traceFormat(word);
+    })->needs(trace);
 }
 
 CLI::App& addCommand(CLI::App& app, const char* name, Options& options, Command command) {
@@ -137,6 +146,8 @@ Options parseOptions(int argc, char** argv) {
     } catch (const CLI::CallForVersion&) {
         options.command = Command::version;
         return options;
+    } catch (const CLI::ParseError& error) {
+        throw UsageError(error.what());
     }
     completeOptions(options);
     return options;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/standin/device/host_variant.h"
+#include "springboard/trace_format.h"
 
 namespace quillet {
 
@@ -24,6 +25,7 @@ struct Options {
     bool traces = false;
     /// Empty for standard error.
     std::filesystem::path traceFile;
+    TraceFormat traceFormat = TraceFormat::json;
     bool json = false;
 };
 

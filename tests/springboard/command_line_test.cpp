@@ -31,8 +31,8 @@ TEST_F(CommandLine, HelpNamesEveryCommandAndOption) {
     EXPECT_THAT(outcome.output, StartsWith("Usage: springboard"));
     for (const char* const word :
          {"state", "flip [on|off]", "apply N", "watch", "--root DIR", "--bundle DIR",
-          "--machine NAME", "--host VARIANT", "--trace[=FILE]", "--json", "--version", "--help",
-          "indicator=class|instance|no-instance|deaf|absent",
+          "--machine NAME", "--host VARIANT", "--trace[=FILE]", "--trace-format FORMAT", "--json",
+          "--version", "--help", "indicator=class|instance|no-instance|deaf|absent",
           "media=instance|no-instance|deaf|absent"}) {
         EXPECT_THAT(outcome.output, HasSubstr(word));
     }
@@ -86,7 +86,8 @@ TEST_F(CommandLine, AfterTwoDashesEverythingIsAWord) {
 }
 
 TEST_F(CommandLine, AnOptionsArgumentIsNeeded) {
-    for (const char* const option : {"--root", "--bundle", "--machine", "--host"}) {
+    for (const char* const option :
+         {"--root", "--bundle", "--machine", "--host", "--trace-format"}) {
         expectBadUse({"state", option}, std::string{"option \""} + option + "\" needs an argument");
     }
     for (const char* const option : {"--root", "--bundle"}) {
@@ -160,6 +161,14 @@ TEST_F(CommandLine, AMachineNameHasOneTo255Bytes) {
     expectBadUse({"state", "--machine", std::string(256, 'x')}, "1 to 255 bytes");
     expectOutput({"state", "--machine", std::string(255, 'x')}, "on\n");
     expectOutput({"state", "--machine", "x"}, "on\n");
+}
+
+TEST_F(CommandLine, ATraceFormatIsOneOfTwoWordsAndNeedsATrace) {
+    for (const char* const word : {"", "JSON", "xml", "tex"}) {
+        expectBadUse({"--trace", "--trace-format", word, "state"},
+                     "no such trace format: \"" + std::string{word} + "\"");
+    }
+    expectBadUse({"--trace-format", "text", "state"}, "--trace-format requires --trace");
 }
 
 TEST_F(CommandLine, HostVariantsAreTakenWhenTheyDescribeAHost) {

@@ -110,6 +110,21 @@ TEST_F(Streams, AFlipOfASwitchThatVibratesItselfPlaysTheSound) {
     EXPECT_THAT(run({"--trace", "flip", "off"}).errors, HasSubstr(sound));
 }
 
+TEST_F(Streams, TheTraceMayBeTextForPeople) {
+    const std::regex line{
+        R"re( +[0-9]+\.[0-9]{6}  ([A-Za-z_]+\(.*\)|<?[A-Z]+[a-zA-Z]+>? .+)( = .+)?)re"};
+    const Outcome outcome = run({"--trace", "--trace-format", "text", "flip", "off"});
+    EXPECT_EQ(outcome.output, "off\n");
+    EXPECT_EQ(linesOf(outcome.errors).size(),
+              linesOf(run({"--trace", "flip", "off"}).errors).size());
+    for (const std::string& text : linesOf(outcome.errors)) {
+        EXPECT_TRUE(std::regex_match(text, line)) << text;
+    }
+    EXPECT_THAT(outcome.errors, HasSubstr("  <SBMediaController> setRingerMuted:true\n"));
+    EXPECT_THAT(operationsIn(run({"--trace", "--trace-format=json", "state"}).errors),
+                Contains("notify_get_state"));
+}
+
 TEST_F(Streams, TheTraceMayGoToAFile) {
     writeText(trace(), "an older trace\n");
     expectOutput({"--trace=" + trace().string(), "flip"}, "off\n");

@@ -117,5 +117,28 @@ TEST(TraceJSON, KeepsOnlyTheASCIIOfATextThatIsNoUTF8) {
     EXPECT_EQ(json("\u00e9\xFF"), R"("\ufffd\ufffd\ufffd")");
 }
 
+TEST(TraceText, OfAMessageHasEachPartBeforeItsArgument) {
+    EXPECT_EQ(toText({0.5,
+                      "<AVSystemController>",
+                      "setVolumeTo:forCategory:",
+                      {0.6, std::string{"Ringtone"}},
+                      TraceValue{true}}),
+              R"(   0.500000  <AVSystemController> setVolumeTo:0.6 forCategory:"Ringtone" = true)");
+    EXPECT_EQ(toText({12.25, "NSRunLoop", "currentRunLoop", {}, std::string{"<NSRunLoop>"}}),
+              R"(  12.250000  NSRunLoop currentRunLoop = "<NSRunLoop>")");
+    EXPECT_EQ(toText({0, "<SBMediaController>", "setRingerMuted:", {false}, {}}),
+              "   0.000000  <SBMediaController> setRingerMuted:false");
+}
+
+TEST(TraceText, OfAFunctionHasItsArgumentsInParentheses) {
+    EXPECT_EQ(toText({0, "", "notify_post", {std::string{"a\nname"}}, std::int64_t{0}}),
+              R"(   0.000000  notify_post("a\nname") = 0)");
+    EXPECT_EQ(
+        toText({0, "", "GSSendAppPreferencesChanged", {std::string{"a"}, std::string{"b"}}, {}}),
+        R"(   0.000000  GSSendAppPreferencesChanged("a", "b"))");
+    EXPECT_EQ(toText({0, "", "notify_get_state", {TraceValue{}}, TraceValue{}}),
+              "   0.000000  notify_get_state(null) = null");
+}
+
 }  // namespace
 }  // namespace quillet::test
