@@ -79,7 +79,7 @@ std::string stringIn(const Dictionary& dictionary, const char* key) {
     return string != nullptr ? *string : "(none)";
 }
 
-TEST(Module, ExportsItsTenNamesAndNothingElse) {
+TEST(LinuxModule, ExportsItsTenNamesAndNothingElse) {
     Words symbols = symbolsIn(printed("nm -D --defined-only"), 2);
     if (isSanitized()) {
         // What one of them knows the functions by.
@@ -92,7 +92,7 @@ TEST(Module, ExportsItsTenNamesAndNothingElse) {
                                               "GLOBAL_vibrateWhenSilent", "_prefsLoader"));
 }
 
-TEST(Module, NeedsNoRuntimeLibraryOfTheLanguage) {
+TEST(LinuxModule, NeedsNoRuntimeLibraryOfTheLanguage) {
     if (isSanitized()) GTEST_SKIP() << "a sanitizer needs it";
     const std::string needed = printed("readelf -dW");
     EXPECT_THAT(needed, HasSubstr("(NEEDED)"));
@@ -101,13 +101,13 @@ TEST(Module, NeedsNoRuntimeLibraryOfTheLanguage) {
     }
 }
 
-TEST(Module, FindsItsPlatformBesideTheBundle) {
+TEST(LinuxModule, FindsItsPlatformBesideTheBundle) {
     const std::string table = printed("readelf -dW");
     EXPECT_THAT(table, HasSubstr("[libplatform.so]"));
     EXPECT_THAT(table, HasSubstr("$ORIGIN/.."));
 }
 
-TEST(Module, TakesTheSystemsFunctionsFromTheDevice) {
+TEST(LinuxModule, TakesTheSystemsFunctionsFromTheDevice) {
     const Words undefined = symbolsIn(printed("nm -D --undefined-only"), 1);
     EXPECT_THAT(undefined, IsSupersetOf({"__wrap_uname", "__wrap_strstr", "__wrap_dlopen",
                                          "__wrap_dlsym", "__wrap_dlclose"}));

@@ -50,7 +50,7 @@ TEST_F(Commands, FlipTapsTheSwitch) {
 TEST_F(Commands, FlipOnAndOffApplyThatStateWhateverItWas) {
     for (const char* const state : {"off", "off", "on", "on", "off"}) {
         expectOutput({"flip", state}, std::string{state} + "\n");
-        EXPECT_EQ(hardware().isRingerMuted(), std::string{state} == "off");
+        EXPECT_EQ(hardware().isRingerMuted(), std::string{state} == "off") << state;
     }
 }
 
@@ -98,7 +98,7 @@ TEST_F(Commands, AnIPodKeepsItsVolumeWhileItIsMuted) {
 TEST_F(Commands, OtherModelsLeaveTheVolume) {
     for (const char* const machine : {"iPhone6,1", "iPad4,1", "ipod5,1"}) {
         expectOutput({"--machine", machine, "flip", "off"}, "off\n");
-        EXPECT_EQ(hardware().volume("Ringtone"), 0.75F);
+        EXPECT_EQ(hardware().volume("Ringtone"), 0.75F) << machine;
         expectOutput({"--machine", machine, "flip", "on"}, "on\n");
     }
     EXPECT_EQ(keptVolume(), std::nullopt);

@@ -93,8 +93,8 @@ TEST(TraceJSON, WritesADoublePrecisionNumberSoThatItReadsBackTheSame) {
 TEST(TraceJSON, WritesNullForNumbersThatAreNotFinite) {
     for (const double number : {std::numeric_limits<double>::infinity(),
                                 -std::numeric_limits<double>::infinity(), std::nan("")}) {
-        EXPECT_EQ(json(toTrace(number)), "null");
-        EXPECT_EQ(json(toTrace(static_cast<float>(number))), "null");
+        EXPECT_EQ(json(toTrace(number)), "null") << number;
+        EXPECT_EQ(json(toTrace(static_cast<float>(number))), "null") << number;
     }
 }
 

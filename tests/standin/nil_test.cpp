@@ -19,7 +19,7 @@ namespace {
 using ::testing::IsEmpty;
 
 /// Sends every message to nil; at the end of each test nothing may have been recorded.
-class Nil : public OnADevice {
+class NilReference : public OnADevice {
 protected:
     void TearDown() override { EXPECT_THAT(calls(), IsEmpty()); }
 };
@@ -39,7 +39,7 @@ void expectEverythingThatEachObjectAnswers() {
     EXPECT_FALSE(assigned);
 }
 
-TEST_F(Nil, OfEveryClassAnswersNoAndZero) {
+TEST_F(NilReference, OfEveryClassAnswersNoAndZero) {
     expectEverythingThatEachObjectAnswers<Object>();
     expectEverythingThatEachObjectAnswers<Class>();
     expectEverythingThatEachObjectAnswers<NSString>();
@@ -56,13 +56,13 @@ TEST_F(Nil, OfEveryClassAnswersNoAndZero) {
     expectEverythingThatEachObjectAnswers<SBMediaController>();
 }
 
-TEST_F(Nil, NullPointersMakeNil) {
+TEST_F(NilReference, NullPointersMakeNil) {
     EXPECT_FALSE(NSString{CFStringRef{nullptr}});
     EXPECT_EQ(static_cast<CFStringRef>(NSString{}), nullptr);
     EXPECT_FALSE(Class{nullptr});
 }
 
-TEST_F(Nil, ADictionaryHoldsNothingAndTakesNothing) {
+TEST_F(NilReference, ADictionaryHoldsNothingAndTakesNothing) {
     EXPECT_FALSE(NSDictionary{}.objectForKey("key"));
     const NSMutableDictionary dictionary;
     EXPECT_FALSE(dictionary.objectForKey("key"));
@@ -71,16 +71,16 @@ TEST_F(Nil, ADictionaryHoldsNothingAndTakesNothing) {
     EXPECT_FALSE(dictionary.objectForKey("key"));
 }
 
-TEST_F(Nil, ADictionaryIsNotWritten) {
+TEST_F(NilReference, ADictionaryIsNotWritten) {
     EXPECT_EQ(NSMutableDictionary{}.writeToFile("/var/mobile/new.plist", YES), NO);
     EXPECT_FALSE(std::filesystem::exists(device().below("/var/mobile/new.plist")));
 }
 
-TEST_F(Nil, AFileManagerFindsNoFile) {
+TEST_F(NilReference, AFileManagerFindsNoFile) {
     EXPECT_EQ(NSFileManager{}.fileExistsAtPath("/var/run/notifications"), NO);
 }
 
-TEST_F(Nil, ARunLoopDoesNotRun) {
+TEST_F(NilReference, ARunLoopDoesNotRun) {
     bool ran = false;
     device().eventLoop.at(0, [&] { ran = true; });
     NSRunLoop{}.runUntilDate(NSDate{});
@@ -88,16 +88,16 @@ TEST_F(Nil, ARunLoopDoesNotRun) {
     EXPECT_EQ(device().clock.now(), 0.0);
 }
 
-TEST_F(Nil, ABundleHasNoIdentifier) { EXPECT_FALSE(NSBundle{}.bundleIdentifier()); }
+TEST_F(NilReference, ABundleHasNoIdentifier) { EXPECT_FALSE(NSBundle{}.bundleIdentifier()); }
 
-TEST_F(Nil, APanelAsksNobody) {
+TEST_F(NilReference, APanelAsksNobody) {
     bool drawn = false;
     device().framework.setRedraw([&](std::string_view, FSSwitchState) { drawn = true; });
     FSSwitchPanel{}.stateDidChangeForSwitchIdentifier("com.velk.switch.ringer");
     EXPECT_FALSE(drawn);
 }
 
-TEST_F(Nil, AVolumeControllerLeavesTheVolumeAndTheVariable) {
+TEST_F(NilReference, AVolumeControllerLeavesTheVolumeAndTheVariable) {
     float volume = -1;
     EXPECT_EQ(AVSystemController{}.getVolume(&volume, "Ringtone"), NO);
     EXPECT_EQ(volume, -1);
@@ -105,7 +105,7 @@ TEST_F(Nil, AVolumeControllerLeavesTheVolumeAndTheVariable) {
     EXPECT_EQ(device().hardware.volume("Ringtone"), 0.75F);
 }
 
-TEST_F(Nil, SpringBoardsClassesHaveNoInstanceAndShowAndMuteNothing) {
+TEST_F(NilReference, SpringBoardsClassesHaveNoInstanceAndShowAndMuteNothing) {
     EXPECT_FALSE(SBRingerHUDController{}.sharedInstance());
     SBRingerHUDController{}.activate(1);
     EXPECT_FALSE(SBMediaController{}.sharedInstance());

@@ -20,7 +20,7 @@ PrefsLoader* sharedPreferences() {
     return answer;
 }
 
-TEST(Loading, StoresThePreferencesBeforeItObserves) {
+TEST(ElfLoading, StoresThePreferencesBeforeItObserves) {
     const TemporaryFolder folder;
     standin::Device device{{.root = folder.path() / "root"}};
     std::vector<std::pair<std::string, bool>> stored;

@@ -28,7 +28,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 /// Loads bundles, made for the test or broken by it, into the framework of a bare device.
-class Loader : public OnADevice {
+class FrameworkLoader : public OnADevice {
 protected:
     standin::SwitchFramework& framework() { return device().framework; }
     fs::path bundle() const { return folder() / "Some.bundle"; }
@@ -53,7 +53,7 @@ protected:
     }
 };
 
-TEST_F(Loader, LoadsTheBundleUnderItsIdentifier) {
+TEST_F(FrameworkLoader, LoadsTheBundleUnderItsIdentifier) {
     EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
     EXPECT_NE(framework().dataSource(switchIdentifier), nullptr);
     ASSERT_NE(framework().bundle(switchIdentifier), nullptr);
@@ -61,13 +61,13 @@ TEST_F(Loader, LoadsTheBundleUnderItsIdentifier) {
     EXPECT_NE(framework().symbol("isiPod"), nullptr);
 }
 
-TEST_F(Loader, FindsNothingBeforeAnyBundleIsLoaded) {
+TEST_F(FrameworkLoader, FindsNothingBeforeAnyBundleIsLoaded) {
     EXPECT_EQ(framework().dataSource(switchIdentifier), nullptr);
     EXPECT_EQ(framework().bundle(switchIdentifier), nullptr);
     EXPECT_EQ(framework().symbol("isiPod"), nullptr);
 }
 
-TEST_F(Loader, FindsNothingUnderAnotherIdentifierOrName) {
+TEST_F(FrameworkLoader, FindsNothingUnderAnotherIdentifierOrName) {
     framework().load(bundleUnderTest());
     for (const char* const identifier : {"", "com.velk.switch", "com.velk.switch.Ringer"}) {
         EXPECT_EQ(framework().dataSource(identifier), nullptr) << identifier;
@@ -76,7 +76,7 @@ TEST_F(Loader, FindsNothingUnderAnotherIdentifierOrName) {
     EXPECT_EQ(framework().symbol("noSuchFunction"), nullptr);
 }
 
-TEST_F(Loader, ARelativeFolderIsMeantFromTheWorkingFolder) {
+TEST_F(FrameworkLoader, ARelativeFolderIsMeantFromTheWorkingFolder) {
     const fs::path before = fs::current_path();
     fs::current_path(bundleUnderTest().parent_path());
     EXPECT_EQ(framework().load(bundleUnderTest().filename()), switchIdentifier);
@@ -84,21 +84,21 @@ TEST_F(Loader, ARelativeFolderIsMeantFromTheWorkingFolder) {
     EXPECT_TRUE(framework().bundle(switchIdentifier)->path().is_absolute());
 }
 
-TEST_F(Loader, AMissingFolderIsNoBundle) { expectRefused(bundle(), "not a bundle"); }
+TEST_F(FrameworkLoader, AMissingFolderIsNoBundle) { expectRefused(bundle(), "not a bundle"); }
 
-TEST_F(Loader, AFolderWithoutAPropertyListIsNoBundle) {
+TEST_F(FrameworkLoader, AFolderWithoutAPropertyListIsNoBundle) {
     fs::create_directory(bundle());
     expectRefused(bundle(), "not a bundle");
 }
 
-TEST_F(Loader, AMalformedPropertyListMakesNoBundle) {
+TEST_F(FrameworkLoader, AMalformedPropertyListMakesNoBundle) {
     writeBytes(bundle() / "Info.plist", "<plist version=\"1.0\"><dict><key>");
     expectRefused(bundle(), "not a bundle");
     writeBytes(bundle() / "Info.plist", standin::writePropertyList(standin::Array{}));
     expectRefused(bundle(), "not a bundle");
 }
 
-TEST_F(Loader, ABundleNeedsAnIdentifier) {
+TEST_F(FrameworkLoader, ABundleNeedsAnIdentifier) {
     for (const Value& identifier : {Value{std::string{}}, Value{true}}) {
         writeInfo(bundle(), {{"CFBundleIdentifier", identifier}});
         expectRefused(bundle(), "no identifier");
@@ -107,7 +107,7 @@ TEST_F(Loader, ABundleNeedsAnIdentifier) {
     expectRefused(bundle(), "no identifier");
 }
 
-TEST_F(Loader, ABundleNeedsAnExecutableInItsFolder) {
+TEST_F(FrameworkLoader, ABundleNeedsAnExecutableInItsFolder) {
     const std::string inFolder = bundleUnderTest() / "Quillet";
     for (const std::string& executable : {std::string{}, inFolder, "../" + inFolder,
                                           std::string{"sub/Quillet"}, std::string{"Quillet/"}}) {
@@ -119,7 +119,7 @@ TEST_F(Loader, ABundleNeedsAnExecutableInItsFolder) {
     expectRefused(bundle(), "names no executable");
 }
 
-TEST_F(Loader, AnExecutableThatIsNoModuleIsRefused) {
+TEST_F(FrameworkLoader, AnExecutableThatIsNoModuleIsRefused) {
     copyBundle("CFBundleExecutable", std::string{"NoModule"});
     expectRefused(bundle(), "NoModule");
     for (const char* const bytes : {"", "#!/bin/sh\n",
@@ -133,13 +133,13 @@ TEST_F(Loader, AnExecutableThatIsNoModuleIsRefused) {
     expectRefused(bundle(), "NoModule");
 }
 
-TEST_F(Loader, ThePrincipalClassMustBeOneOfTheModules) {
+TEST_F(FrameworkLoader, ThePrincipalClassMustBeOneOfTheModules) {
     copyBundle("NSPrincipalClass", std::string{"OtherSwitch"});
     expectRefused(bundle(), "no principal class \"OtherSwitch\"");
     EXPECT_EQ(framework().dataSource(switchIdentifier), nullptr);
 }
 
-TEST_F(Loader, NothingStaysOfABundleThatCouldNotBeLoaded) {
+TEST_F(FrameworkLoader, NothingStaysOfABundleThatCouldNotBeLoaded) {
     copyBundle("NSPrincipalClass", std::string{"OtherSwitch"});
     const int instances = standin::Instance::live();
     expectRefused(bundle(), "no principal class");
@@ -151,12 +151,12 @@ TEST_F(Loader, NothingStaysOfABundleThatCouldNotBeLoaded) {
     EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
 }
 
-TEST_F(Loader, ABundleNeedsAPrincipalClass) {
+TEST_F(FrameworkLoader, ABundleNeedsAPrincipalClass) {
     copyBundle("NSPrincipalClass", false);
     expectRefused(bundle(), "no principal class \"\"");
 }
 
-TEST_F(Loader, ASwitchIsLoadedOnce) {
+TEST_F(FrameworkLoader, ASwitchIsLoadedOnce) {
     framework().load(bundleUnderTest());
     forgetCalls();
     expectRefused(bundleUnderTest(), "is loaded already");
@@ -166,14 +166,14 @@ TEST_F(Loader, ASwitchIsLoadedOnce) {
     EXPECT_EQ(framework().bundle(switchIdentifier)->path(), bundleUnderTest());
 }
 
-TEST_F(Loader, AfterAFailureTheSameSwitchCanBeLoaded) {
+TEST_F(FrameworkLoader, AfterAFailureTheSameSwitchCanBeLoaded) {
     copyBundle("CFBundleExecutable", std::string{"NoModule"});
     expectRefused(bundle(), "NoModule");
     EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
     EXPECT_EQ(framework().bundle(switchIdentifier)->path(), bundleUnderTest());
 }
 
-TEST_F(Loader, AClassBelongsToTheBundleThatDefinesIt) {
+TEST_F(FrameworkLoader, AClassBelongsToTheBundleThatDefinesIt) {
     framework().load(bundleUnderTest());
     EXPECT_EQ(framework().bundleOf(Class{}).info("CFBundleIdentifier"), "com.apple.springboard");
     EXPECT_EQ(standin::text(NSBundle::bundleForClass(Class{}).bundleIdentifier()),
@@ -183,7 +183,7 @@ TEST_F(Loader, AClassBelongsToTheBundleThatDefinesIt) {
               "com.apple.springboard");
 }
 
-TEST_F(Loader, ThePanelAsksTheSwitchOnceAndDrawsItsAnswer) {
+TEST_F(FrameworkLoader, ThePanelAsksTheSwitchOnceAndDrawsItsAnswer) {
     framework().load(bundleUnderTest());
     std::vector<std::pair<std::string, FSSwitchState>> drawn;
     framework().setRedraw([&](std::string_view identifier, FSSwitchState state) {
@@ -195,7 +195,7 @@ TEST_F(Loader, ThePanelAsksTheSwitchOnceAndDrawsItsAnswer) {
     EXPECT_EQ(only(calls(), {"notify_get_state"}).size(), 1U);
 }
 
-TEST_F(Loader, ThePanelIgnoresAnUnknownIdentifier) {
+TEST_F(FrameworkLoader, ThePanelIgnoresAnUnknownIdentifier) {
     framework().load(bundleUnderTest());
     bool drawn = false;
     framework().setRedraw([&](std::string_view, FSSwitchState) { drawn = true; });
@@ -208,7 +208,7 @@ TEST_F(Loader, ThePanelIgnoresAnUnknownIdentifier) {
     EXPECT_THAT(only(calls(), {"notify_get_state"}), IsEmpty());
 }
 
-TEST_F(Loader, ThePanelAsksEvenWhenNobodyDraws) {
+TEST_F(FrameworkLoader, ThePanelAsksEvenWhenNobodyDraws) {
     framework().load(bundleUnderTest());
     forgetCalls();
     FSSwitchPanel::sharedPanel().stateDidChangeForSwitchIdentifier(switchIdentifier);
