@@ -10,6 +10,8 @@ namespace quillet {
 /// 1.0 (full).
 class AVSystemController : public Object {
 public:
+    using Object::Object;
+
     static AVSystemController sharedAVSystemController();
 
     /// Puts the volume of `forCategory` (for example "Ringtone") into `*volume`. NO when there is
@@ -19,9 +21,6 @@ public:
     /// Sets the volume of `forCategory`, brought into the range. NO when there is no such
     /// category, or when it cannot be set.
     BOOL setVolumeTo(float volume, NSString forCategory) const;
-
-private:
-    using Object::Object;
 };
 
 }  // namespace quillet

@@ -18,14 +18,13 @@ enum FSSwitchState : int32_t {
 /// The switch framework's one panel, which shows every switch.
 class FSSwitchPanel : public Object {
 public:
+    using Object::Object;
+
     static FSSwitchPanel sharedPanel();
 
     /// Has the panel ask the switch `identifier` for its state, during this call, and draw it
     /// anew. An identifier that no switch has is ignored.
     void stateDidChangeForSwitchIdentifier(NSString identifier) const;
-
-private:
-    using Object::Object;
 };
 
 }  // namespace quillet

@@ -11,6 +11,9 @@ using BOOL = uint8_t;
 inline constexpr BOOL NO = 0;
 inline constexpr BOOL YES = 1;
 
+/// Says that a reference takes over a count, which somebody else has taken.
+struct Owned {};
+
 /// A counted reference to one of the platform's objects, or to none ("nil").
 ///
 /// Copying retains the object, destruction releases it; a reference made by an `init…` function
@@ -24,6 +27,9 @@ inline constexpr BOOL YES = 1;
 class Object {
 public:
     constexpr Object() noexcept = default;
+    /// Takes over one count of `instance`, the platform's own pointer, which may be null. It is how
+    /// a platform makes references of every kind: derived classes inherit it.
+    Object(Owned, void* instance) noexcept : instance_{instance} {}
     Object(const Object& other) noexcept;
     Object& operator=(const Object& other) noexcept;
     ~Object();
@@ -47,10 +53,6 @@ public:
 
     /// The platform's own pointer, still owned by this reference. Null for nil.
     void* instance() const noexcept { return instance_; }
-
-protected:
-    /// Takes over one count of `instance`, which may be null.
-    explicit Object(void* instance) noexcept : instance_{instance} {}
 
 private:
     void* instance_ = nullptr;

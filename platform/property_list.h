@@ -9,13 +9,12 @@ namespace quillet {
 /// A number or a boolean. See Object for its readings.
 class NSNumber : public Object {
 public:
+    using Object::Object;
+
     /// A property-list boolean: true for any `value` but NO.
     static NSNumber numberWithBool(BOOL value);
     /// A real number of single precision.
     static NSNumber numberWithFloat(float value);
-
-private:
-    using Object::Object;
 };
 
 /// A property-list dictionary with string keys, matched exactly.
@@ -25,6 +24,8 @@ private:
 /// holds something other than a dictionary at its top level; the file is left as it is.
 class NSDictionary : public Object {
 public:
+    using Object::Object;
+
     /// The dictionary in the file at `path`, shared with the platform.
     static NSDictionary dictionaryWithContentsOfFile(NSString path);
     /// A new dictionary from the file at `path`, owned by the answer.
@@ -32,14 +33,13 @@ public:
 
     /// The value for `key`, or nil when the dictionary holds none.
     Object objectForKey(NSString key) const;
-
-protected:
-    using Object::Object;
 };
 
 /// A property-list dictionary whose entries can be changed.
 class NSMutableDictionary : public NSDictionary {
 public:
+    using NSDictionary::NSDictionary;
+
     static NSMutableDictionary dictionaryWithContentsOfFile(NSString path);
     static NSMutableDictionary initWithContentsOfFile(NSString path);
     /// A new dictionary without entries, owned by the answer.
@@ -55,21 +55,17 @@ public:
     /// complete, so that `path` always holds the old bytes or the new. NO when the file could not
     /// be written; it then holds what it held.
     BOOL writeToFile(NSString path, BOOL atomically) const;
-
-private:
-    using NSDictionary::NSDictionary;
 };
 
 /// The process's view of the file system.
 class NSFileManager : public Object {
 public:
+    using Object::Object;
+
     static NSFileManager defaultManager();
 
     /// YES when there is a file or folder at `path`, an absolute path of the device.
     BOOL fileExistsAtPath(NSString path) const;
-
-private:
-    using Object::Object;
 };
 
 }  // namespace quillet

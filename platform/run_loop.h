@@ -11,16 +11,17 @@ using NSTimeInterval = double;
 /// A point in time.
 class NSDate : public Object {
 public:
+    using Object::Object;
+
     /// The time `seconds` from now; negative values lie in the past.
     static NSDate dateWithTimeIntervalSinceNow(NSTimeInterval seconds);
-
-private:
-    using Object::Object;
 };
 
 /// The event loop of a thread.
 class NSRunLoop : public Object {
 public:
+    using Object::Object;
+
     /// The calling thread's loop.
     static NSRunLoop currentRunLoop();
 
@@ -28,9 +29,6 @@ public:
     /// callbacks of notification observers, the host's own input. What it runs may call back into
     /// the bundle.
     void runUntilDate(NSDate limit) const;
-
-private:
-    using Object::Object;
 };
 
 /// The calling thread.

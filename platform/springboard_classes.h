@@ -11,6 +11,8 @@ namespace quillet {
 /// Shows the indicator of the ringer's state on the screen.
 class SBRingerHUDController : public Object {
 public:
+    using Object::Object;
+
     /// The class, looked up by its name in the host; nil when the host has none.
     static SBRingerHUDController classInHost();
 
@@ -20,14 +22,13 @@ public:
     /// Shows the indicator: `state` 1 for ringer on, 0 for silent. Some hosts answer it at the
     /// class, others at the instance.
     void activate(int state) const;
-
-private:
-    using Object::Object;
 };
 
 /// Mutes and unmutes what SpringBoard plays.
 class SBMediaController : public Object {
 public:
+    using Object::Object;
+
     /// The class, looked up by its name in the host; nil when the host has none.
     static SBMediaController classInHost();
 
@@ -36,9 +37,6 @@ public:
 
     /// Mutes the ringer (YES) or unmutes it (NO). Not every system's controller answers it.
     void setRingerMuted(BOOL muted) const;
-
-private:
-    using Object::Object;
 };
 
 }  // namespace quillet

@@ -12,6 +12,8 @@ using CFStringRef = const struct CFString*;
 /// An immutable string of Unicode characters.
 class NSString : public Object {
 public:
+    using Object::Object;
+
     constexpr NSString() noexcept = default;
     /// A string with the characters of `utf8`, which must be valid UTF-8 and is copied.
     /// Implicit, so that a literal can stand wherever the platform takes a string.

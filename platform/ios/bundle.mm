@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "platform/bundle.h"
 
-#include "platform/ios/objc_classes.h"
+#include "platform/ios/references.h"
 
 namespace quillet {
 
 NSBundle NSBundle::bundleForClass(Class cls) {
-    return NSBundle([[::NSBundle bundleForClass:object(cls)] retain]);
+    return sharing<NSBundle>([::NSBundle bundleForClass:object(cls)]);
 }
 
-NSString NSBundle::bundleIdentifier() const { return shared([object(*this) bundleIdentifier]); }
+NSString NSBundle::bundleIdentifier() const {
+    return sharing<NSString>([object(*this) bundleIdentifier]);
+}
 
 }  // namespace quillet

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/celestial.h"
 
-#include "platform/ios/objc_classes.h"
+#include "platform/ios/references.h"
 
 namespace quillet {
 
 AVSystemController AVSystemController::sharedAVSystemController() {
-    return AVSystemController([[::AVSystemController sharedAVSystemController] retain]);
+    return sharing<AVSystemController>([::AVSystemController sharedAVSystemController]);
 }
 
 BOOL AVSystemController::getVolume(float* volume, NSString forCategory) const {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "platform/flipswitch.h"
 
-#include "platform/ios/objc_classes.h"
+#include "platform/ios/references.h"
 
 namespace quillet {
 
 FSSwitchPanel FSSwitchPanel::sharedPanel() {
-    return FSSwitchPanel([[::FSSwitchPanel sharedPanel] retain]);
+    return sharing<FSSwitchPanel>([::FSSwitchPanel sharedPanel]);
 }
 
 void FSSwitchPanel::stateDidChangeForSwitchIdentifier(NSString identifier) const {

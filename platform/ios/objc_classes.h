@@ -1,21 +1,32 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "platform/object.h"
-#include "platform/string.h"
+#include <stddef.h>
 
-// The platform's Objective-C classes and functions that this folder sends messages to, with only
-// the messages that it sends.
+// The platform's Objective-C classes, of whatever library or host, with only the messages that the
+// bundle sends, and the functions of their runtime.
 
-// Two types of messages differ on 32-bit devices: a flag is a number of one byte there. The names
-// are the platform's, in the global namespace.
-#if __LP64__
-using BOOL = bool;
-using CGFloat = double;
-#else
-using BOOL = signed char;
-using CGFloat = float;
-#endif
+namespace quillet {
+
+/// The types of messages that differ between processors: a flag is a number of one byte on 32-bit
+/// devices.
+template <bool is64Bit>
+struct MessageTypes {
+    using Flag = bool;
+    using Real = double;
+};
+
+template <>
+struct MessageTypes<false> {
+    using Flag = signed char;
+    using Real = float;
+};
+
+}  // namespace quillet
+
+// The names are the platform's, in the global namespace.
+using BOOL = quillet::MessageTypes<sizeof(void*) == 8>::Flag;
+using CGFloat = quillet::MessageTypes<sizeof(void*) == 8>::Real;
 
 @class NSString;
 
@@ -108,15 +119,3 @@ void* calloc(size_t count, size_t size);
 void free(void* storage);
 
 }  // extern "C"
-
-namespace quillet {
-
-/// The object that `reference` refers to, to send it a message.
-inline id object(const Object& reference) { return static_cast<id>(reference.instance()); }
-
-/// A reference that shares `string`, which may be nil.
-inline NSString shared(::NSString* string) {
-    return NSString(reinterpret_cast<CFStringRef>(string));
-}
-
-}  // namespace quillet

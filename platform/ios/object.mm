@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/object.h"
 
-#include "platform/ios/objc_classes.h"
+#include "platform/ios/references.h"
 
 namespace quillet {
 
@@ -25,7 +25,7 @@ BOOL Object::boolValue() const { return [object(*this) boolValue] != NO; }
 
 float Object::floatValue() const { return [object(*this) floatValue]; }
 
-Class::Class(void* instance) noexcept : Object{[static_cast<id>(instance) retain]} {}
+Class::Class(void* instance) noexcept : Object{Owned{}, [static_cast<id>(instance) retain]} {}
 
 void* NSObject::operator new(size_t size) { return calloc(1, size); }
 

@@ -1,41 +1,42 @@
 // SPDX-License-Identifier: MIT
 #include "platform/property_list.h"
 
-#include "platform/ios/objc_classes.h"
+#include "platform/ios/references.h"
 
 namespace quillet {
 
 NSNumber NSNumber::numberWithBool(BOOL value) {
-    return NSNumber([[::NSNumber numberWithBool:value != NO] retain]);
+    return sharing<NSNumber>([::NSNumber numberWithBool:value != NO]);
 }
 
 NSNumber NSNumber::numberWithFloat(float value) {
-    return NSNumber([[::NSNumber numberWithFloat:value] retain]);
+    return sharing<NSNumber>([::NSNumber numberWithFloat:value]);
 }
 
 NSDictionary NSDictionary::dictionaryWithContentsOfFile(NSString path) {
-    return NSDictionary([[::NSDictionary dictionaryWithContentsOfFile:object(path)] retain]);
+    return sharing<NSDictionary>([::NSDictionary dictionaryWithContentsOfFile:object(path)]);
 }
 
 NSDictionary NSDictionary::initWithContentsOfFile(NSString path) {
-    return NSDictionary([[::NSDictionary alloc] initWithContentsOfFile:object(path)]);
+    return owning<NSDictionary>([[::NSDictionary alloc] initWithContentsOfFile:object(path)]);
 }
 
 Object NSDictionary::objectForKey(NSString key) const {
-    return NSDictionary([[object(*this) objectForKey:object(key)] retain]);
+    return sharing<Object>([object(*this) objectForKey:object(key)]);
 }
 
 NSMutableDictionary NSMutableDictionary::dictionaryWithContentsOfFile(NSString path) {
-    return NSMutableDictionary(
-        [[::NSMutableDictionary dictionaryWithContentsOfFile:object(path)] retain]);
+    return sharing<NSMutableDictionary>(
+        [::NSMutableDictionary dictionaryWithContentsOfFile:object(path)]);
 }
 
 NSMutableDictionary NSMutableDictionary::initWithContentsOfFile(NSString path) {
-    return NSMutableDictionary([[::NSMutableDictionary alloc] initWithContentsOfFile:object(path)]);
+    return owning<NSMutableDictionary>(
+        [[::NSMutableDictionary alloc] initWithContentsOfFile:object(path)]);
 }
 
 NSMutableDictionary NSMutableDictionary::init() {
-    return NSMutableDictionary([[::NSMutableDictionary alloc] init]);
+    return owning<NSMutableDictionary>([[::NSMutableDictionary alloc] init]);
 }
 
 void NSMutableDictionary::setValue(Object value, NSString forKey) const {
@@ -51,7 +52,7 @@ BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
 }
 
 NSFileManager NSFileManager::defaultManager() {
-    return NSFileManager([[::NSFileManager defaultManager] retain]);
+    return sharing<NSFileManager>([::NSFileManager defaultManager]);
 }
 
 BOOL NSFileManager::fileExistsAtPath(NSString path) const {

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "platform/run_loop.h"
 
-#include "platform/ios/objc_classes.h"
+#include "platform/ios/references.h"
 
 namespace quillet {
 
 NSDate NSDate::dateWithTimeIntervalSinceNow(NSTimeInterval seconds) {
-    return NSDate([[::NSDate dateWithTimeIntervalSinceNow:seconds] retain]);
+    return sharing<NSDate>([::NSDate dateWithTimeIntervalSinceNow:seconds]);
 }
 
-NSRunLoop NSRunLoop::currentRunLoop() { return NSRunLoop([[::NSRunLoop currentRunLoop] retain]); }
+NSRunLoop NSRunLoop::currentRunLoop() { return sharing<NSRunLoop>([::NSRunLoop currentRunLoop]); }
 
 void NSRunLoop::runUntilDate(NSDate limit) const { [object(*this) runUntilDate:object(limit)]; }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/springboard_classes.h"
 
-#include "platform/ios/objc_classes.h"
+#include "platform/ios/references.h"
 #include "platform/string.h"
 
 namespace quillet {
@@ -13,11 +13,11 @@ namespace {
 }  // namespace
 
 SBRingerHUDController SBRingerHUDController::classInHost() {
-    return SBRingerHUDController([hostClass("SBRingerHUDController") retain]);
+    return sharing<SBRingerHUDController>(hostClass("SBRingerHUDController"));
 }
 
 SBRingerHUDController SBRingerHUDController::sharedInstance() const {
-    return SBRingerHUDController([[object(*this) sharedInstance] retain]);
+    return sharing<SBRingerHUDController>([object(*this) sharedInstance]);
 }
 
 void SBRingerHUDController::activate(int state) const {
@@ -27,11 +27,11 @@ void SBRingerHUDController::activate(int state) const {
 }
 
 SBMediaController SBMediaController::classInHost() {
-    return SBMediaController([hostClass("SBMediaController") retain]);
+    return sharing<SBMediaController>(hostClass("SBMediaController"));
 }
 
 SBMediaController SBMediaController::sharedInstance() const {
-    return SBMediaController([[object(*this) sharedInstance] retain]);
+    return sharing<SBMediaController>([object(*this) sharedInstance]);
 }
 
 void SBMediaController::setRingerMuted(BOOL muted) const {

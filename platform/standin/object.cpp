@@ -67,7 +67,7 @@ BOOL Object::boolValue() const { return read<BOOL>(*this, "boolValue", standin::
 
 float Object::floatValue() const { return read<float>(*this, "floatValue", standin::floatValue); }
 
-Class::Class(void* instance) noexcept : Object{instance} {
+Class::Class(void* instance) noexcept : Object{Owned{}, instance} {
     send(*this, [](Instance& cls) { cls.retain(); });
 }
 

@@ -8,7 +8,7 @@ namespace quillet {
 NSString::NSString(const char* utf8) : NSString{standin::makeString(utf8)} {}
 
 NSString::NSString(CFStringRef string) noexcept
-    : Object{const_cast<void*>(static_cast<const void*>(string))} {
+    : Object{Owned{}, const_cast<void*>(static_cast<const void*>(string))} {
     standin::send(*this, [](standin::Instance& instance) { instance.retain(); });
 }
 

@@ -55,10 +55,7 @@ inline Instance* instanceOf(const void* word) {
 /// A reference that takes over one count of `instance`; nil for a null pointer.
 template <class Reference>
 Reference adopt(Instance* instance) {
-    struct Adopting : Reference {
-        explicit Adopting(void* word) : Reference{word} {}
-    };
-    return Adopting{instance == nullptr ? nullptr : word(*instance)};
+    return Reference{Owned{}, instance == nullptr ? nullptr : word(*instance)};
 }
 
 /// A reference with a count of its own; nil for a null pointer.

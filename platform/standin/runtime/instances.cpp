@@ -42,10 +42,7 @@ std::string_view text(const void* string) {
 }
 
 NSString makeString(std::string_view text) {
-    auto* const instance = new ValueInstance{std::string{text}};
-    const NSString string{static_cast<CFStringRef>(word(*instance))};
-    instance->release();
-    return string;
+    return adopt<NSString>(new ValueInstance{std::string{text}});
 }
 
 }  // namespace quillet::standin
