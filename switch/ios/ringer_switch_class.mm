@@ -33,12 +33,15 @@ __attribute__((visibility("default")))
     quillet::RingerSwitch::load();
 }
 
-- (quillet::FSSwitchState)stateForSwitchIdentifier:(NSString*)identifier {
-    return quillet::RingerSwitch::stateForSwitchIdentifier(quillet::shared(identifier));
+// The identifier is ignored, so nothing is sent to it, not even a retain.
+
+- (quillet::FSSwitchState)stateForSwitchIdentifier:(NSString*)__attribute__((unused))identifier {
+    return quillet::RingerSwitch::stateForSwitchIdentifier({});
 }
 
-- (void)applyState:(quillet::FSSwitchState)state forSwitchIdentifier:(NSString*)identifier {
-    quillet::RingerSwitch::applyState(state, quillet::shared(identifier));
+- (void)applyState:(quillet::FSSwitchState)state
+    forSwitchIdentifier:(NSString*)__attribute__((unused))identifier {
+    quillet::RingerSwitch::applyState(state, {});
 }
 
 @end

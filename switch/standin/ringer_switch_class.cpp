@@ -11,11 +11,11 @@ namespace {
 
 class DataSource final : public standin::FSSwitchDataSource {
 public:
-    FSSwitchState stateForSwitchIdentifier(NSString identifier) override {
-        return RingerSwitch::stateForSwitchIdentifier(identifier);
+    FSSwitchState stateForSwitchIdentifier(NSString /*identifier*/) override {
+        return RingerSwitch::stateForSwitchIdentifier({});
     }
-    void applyState(FSSwitchState state, NSString forSwitchIdentifier) override {
-        RingerSwitch::applyState(state, forSwitchIdentifier);
+    void applyState(FSSwitchState state, NSString /*forSwitchIdentifier*/) override {
+        RingerSwitch::applyState(state, {});
     }
 };
 
