@@ -15,7 +15,8 @@ BOOL GLOBAL_vibrateWhenSilent = NO;
 
 namespace {
 
-constexpr char springBoardPath[] = "/var/mobile/Library/Preferences/com.apple.springboard.plist";
+constexpr char springBoardPreferencesPath[] =
+    "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 constexpr char springBoardIdentifier[] = "com.apple.springboard";
 constexpr char ringVibrateKey[] = "ring-vibrate";
 constexpr char silentVibrateKey[] = "silent-vibrate";
@@ -33,7 +34,7 @@ BOOL setting(const NSMutableDictionary& settings, const char* key) {
 void write(const NSMutableDictionary& settings, BOOL whenRinging, BOOL whenSilent) {
     settings.setValue(NSNumber::numberWithBool(whenRinging), ringVibrateKey);
     settings.setValue(NSNumber::numberWithBool(whenSilent), silentVibrateKey);
-    settings.writeToFile(springBoardPath, YES);
+    settings.writeToFile(springBoardPreferencesPath, YES);
 }
 
 void announce() {
@@ -51,7 +52,8 @@ void settle() {
 }  // namespace
 
 void turnSpringBoardVibrationOff() {
-    const auto settings = NSMutableDictionary::dictionaryWithContentsOfFile(springBoardPath);
+    const auto settings =
+        NSMutableDictionary::dictionaryWithContentsOfFile(springBoardPreferencesPath);
     GLOBAL_vibrateWhenRinging = setting(settings, ringVibrateKey);
     GLOBAL_vibrateWhenSilent = setting(settings, silentVibrateKey);
     write(settings, NO, NO);
@@ -60,7 +62,8 @@ void turnSpringBoardVibrationOff() {
 }
 
 void restoreSpringBoardVibration() {
-    const auto settings = NSMutableDictionary::dictionaryWithContentsOfFile(springBoardPath);
+    const auto settings =
+        NSMutableDictionary::dictionaryWithContentsOfFile(springBoardPreferencesPath);
     // Meant: no test that anything was saved; before a first turn-off this writes NO and NO.
     write(settings, GLOBAL_vibrateWhenRinging, GLOBAL_vibrateWhenSilent);
     announce();

@@ -92,8 +92,8 @@ private:
     }
 
     void openSettings() {
-        add("NSMutableDictionary dictionaryWithContentsOfFile:(" + quoted(springBoardPath) +
-            ") = \"<NSMutableDictionary: 2 entries>\"");
+        add("NSMutableDictionary dictionaryWithContentsOfFile:(" +
+            quoted(springBoardPreferencesPath) + ") = \"<NSMutableDictionary: 2 entries>\"");
     }
 
     void writeSettings(bool whenRinging, bool whenSilent) {
@@ -102,7 +102,7 @@ private:
             add("NSNumber numberWithBool:(" + word(value) + ") = " + word(value));
             add("NSMutableDictionary setValue:forKey:(" + word(value) + ", " + quoted(key) + ")");
         }
-        add("NSMutableDictionary writeToFile:atomically:(" + quoted(springBoardPath) +
+        add("NSMutableDictionary writeToFile:atomically:(" + quoted(springBoardPreferencesPath) +
             ", true) = true");
     }
 
@@ -297,7 +297,7 @@ protected:
         phone_.preferences().setDefaultVibrationPattern(NO);
         phone_.preferences().setVibrateWhenOff(YES);
         phone_.preferences().setVibrateWhenOn(NO);
-        phone_.write(springBoardPath,
+        phone_.write(springBoardPreferencesPath,
                      Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
         writePreferences(situation.choices);
         phone_.log().clear();
@@ -320,7 +320,7 @@ protected:
         ASSERT_THAT(phone_.calls(), ElementsAreArray(reported(expectation.calls())));
         const bool stores = situation.registers && (situation.state == 0 || situation.state == 1);
         ASSERT_EQ(phone_.stateWord(), stores ? static_cast<std::uint64_t>(situation.state) : 9U);
-        ASSERT_EQ(phone_.dictionary(springBoardPath),
+        ASSERT_EQ(phone_.dictionary(springBoardPreferencesPath),
                   (Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}}));
     }
 

@@ -121,12 +121,13 @@ TEST(ApplyState, PutsTheSystemsVibrationSettingsBack) {
     Phone phone;
     phone.write(preferencesPath, ownVibration(false, false));
     const Dictionary settings = {{"ring-vibrate", false}, {"silent-vibrate", true}};
-    phone.write(springBoardPath, settings);
+    phone.write(springBoardPreferencesPath, settings);
     std::optional<Dictionary> meanwhile;
-    phone.device().eventLoop.at(0.25, [&] { meanwhile = phone.dictionary(springBoardPath); });
+    phone.device().eventLoop.at(0.25,
+                                [&] { meanwhile = phone.dictionary(springBoardPreferencesPath); });
     phone.apply(1);
     EXPECT_EQ(meanwhile, (Dictionary{{"ring-vibrate", false}, {"silent-vibrate", false}}));
-    EXPECT_EQ(phone.dictionary(springBoardPath), settings);
+    EXPECT_EQ(phone.dictionary(springBoardPreferencesPath), settings);
 }
 
 TEST(ApplyState, VibratesOnceByTheUsersChoiceForTheNewState) {
@@ -150,11 +151,11 @@ TEST(ApplyState, LeavesVibrationToTheSystemByDefaultWhateverTheOtherChoicesAre) 
     phone.write(preferencesPath, Dictionary{{"ios-vibrate-pattern", true},
                                             {"vibrate-when-off", true},
                                             {"vibrate-when-on", true}});
-    const auto settings = phone.bytes(springBoardPath);
+    const auto settings = phone.bytes(springBoardPreferencesPath);
     phone.apply(1);
     phone.apply(0);
     EXPECT_EQ(vibrations(phone), 0U);
-    EXPECT_EQ(phone.bytes(springBoardPath), settings);
+    EXPECT_EQ(phone.bytes(springBoardPreferencesPath), settings);
     EXPECT_THAT(only(phone.calls(), {"GSSendAppPreferencesChanged", "runUntilDate:"}), IsEmpty());
     EXPECT_EQ(phone.device().clock.now(), 0.0);
 }

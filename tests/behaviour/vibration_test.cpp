@@ -37,7 +37,7 @@ protected:
 
     /// "ring-vibrate" and "silent-vibrate" as they stand in the file.
     std::pair<Value, Value> settings() {
-        const auto file = phone.dictionary(springBoardPath);
+        const auto file = phone.dictionary(springBoardPreferencesPath);
         return {*file->find("ring-vibrate"), *file->find("silent-vibrate")};
     }
 
@@ -47,10 +47,11 @@ protected:
 };
 
 TEST_F(Vibration, TurnedOffWritesTheSettingsAnnouncesThemAndTurnsTheRunLoop) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
+    phone.write(springBoardPreferencesPath,
+                Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
     phone.log().clear();
     turnOff();
-    const std::string path = std::string{"\""} + springBoardPath + "\"";
+    const std::string path = std::string{"\""} + springBoardPreferencesPath + "\"";
     EXPECT_THAT(phone.calls(),
                 ElementsAreArray(reported({
                     "NSMutableDictionary dictionaryWithContentsOfFile:(" + path +
@@ -75,11 +76,12 @@ TEST_F(Vibration, TurnedOffWritesTheSettingsAnnouncesThemAndTurnsTheRunLoop) {
 }
 
 TEST_F(Vibration, RestoredWritesTheSavedSettingsAnnouncesThemAndTurnsTheRunLoop) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
+    phone.write(springBoardPreferencesPath,
+                Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
     turnOff();
     phone.log().clear();
     restore();
-    const std::string path = std::string{"\""} + springBoardPath + "\"";
+    const std::string path = std::string{"\""} + springBoardPreferencesPath + "\"";
     EXPECT_THAT(phone.calls(),
                 ElementsAreArray(reported({
                     "NSMutableDictionary dictionaryWithContentsOfFile:(" + path +
@@ -100,7 +102,7 @@ TEST_F(Vibration, RestoredWritesTheSavedSettingsAnnouncesThemAndTurnsTheRunLoop)
 }
 
 TEST_F(Vibration, OfAFileWithNeitherKeyIsTakenForYesAndMaterialised) {
-    phone.write(springBoardPath, Dictionary{{"other", std::int64_t{7}}});
+    phone.write(springBoardPreferencesPath, Dictionary{{"other", std::int64_t{7}}});
     turnOff();
     EXPECT_EQ(settings(), std::pair(flag(false), flag(false)));
     EXPECT_EQ(whenRinging(), YES);
@@ -112,7 +114,7 @@ TEST_F(Vibration, OfAFileWithNeitherKeyIsTakenForYesAndMaterialised) {
 TEST_F(Vibration, SurvivesAPairOfCallsForEveryStartingPoint) {
     for (const bool ringing : {false, true}) {
         for (const bool silent : {false, true}) {
-            phone.write(springBoardPath,
+            phone.write(springBoardPreferencesPath,
                         Dictionary{{"ring-vibrate", ringing}, {"silent-vibrate", silent}});
             turnOff();
             EXPECT_EQ(settings(), std::pair(flag(false), flag(false)));
@@ -125,8 +127,8 @@ TEST_F(Vibration, SurvivesAPairOfCallsForEveryStartingPoint) {
 }
 
 TEST_F(Vibration, ReadsNumbersAndStringsAsThePlatformDoes) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", std::int64_t{2}},
-                                            {"silent-vibrate", std::string{"no"}}});
+    phone.write(springBoardPreferencesPath, Dictionary{{"ring-vibrate", std::int64_t{2}},
+                                                       {"silent-vibrate", std::string{"no"}}});
     turnOff();
     EXPECT_EQ(whenRinging(), YES);
     EXPECT_EQ(whenSilent(), NO);
@@ -135,7 +137,8 @@ TEST_F(Vibration, ReadsNumbersAndStringsAsThePlatformDoes) {
 }
 
 TEST_F(Vibration, TurnedOffTwiceLosesTheUsersSettings) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", true}, {"silent-vibrate", true}});
+    phone.write(springBoardPreferencesPath,
+                Dictionary{{"ring-vibrate", true}, {"silent-vibrate", true}});
     turnOff();
     turnOff();
     restore();
@@ -143,13 +146,15 @@ TEST_F(Vibration, TurnedOffTwiceLosesTheUsersSettings) {
 }
 
 TEST_F(Vibration, RestoredBeforeAnyTurnOffIsOff) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", true}, {"silent-vibrate", true}});
+    phone.write(springBoardPreferencesPath,
+                Dictionary{{"ring-vibrate", true}, {"silent-vibrate", true}});
     restore();
     EXPECT_EQ(settings(), std::pair(flag(false), flag(false)));
 }
 
 TEST_F(Vibration, RestoredTwiceWritesTheSameAgain) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
+    phone.write(springBoardPreferencesPath,
+                Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
     turnOff();
     restore();
     restore();
@@ -169,10 +174,10 @@ TEST_F(Vibration, CarriesEveryOtherKeyThroughUnchanged) {
         {"dictionary", Dictionary{{"ring-vibrate", std::string{"not this one"}}}},
         {"Ring-Vibrate", std::string{"nor this"}},
     };
-    phone.write(springBoardPath, others);
+    phone.write(springBoardPreferencesPath, others);
     turnOff();
     restore();
-    const auto file = phone.dictionary(springBoardPath);
+    const auto file = phone.dictionary(springBoardPreferencesPath);
     ASSERT_TRUE(file);
     for (const standin::Entry& entry : others.entries()) {
         const Value* const value = file->find(entry.key);
@@ -185,10 +190,11 @@ TEST_F(Vibration, CarriesEveryOtherKeyThroughUnchanged) {
 TEST_F(Vibration, CarriesCharactersAndNumbersOfEverySizeThrough) {
     const Value character = std::string{"\U0001F514"};
     const Value number = std::uint64_t{18446744073709551615U};
-    phone.write(springBoardPath, Dictionary{{"character", character}, {"number", number}});
+    phone.write(springBoardPreferencesPath,
+                Dictionary{{"character", character}, {"number", number}});
     turnOff();
     restore();
-    const auto file = phone.dictionary(springBoardPath);
+    const auto file = phone.dictionary(springBoardPreferencesPath);
     ASSERT_TRUE(file);
     for (const auto& [key, value] : {std::pair("character", character), {"number", number}}) {
         ASSERT_NE(file->find(key), nullptr) << key;
@@ -197,7 +203,7 @@ TEST_F(Vibration, CarriesCharactersAndNumbersOfEverySizeThrough) {
 }
 
 TEST_F(Vibration, WithoutAFileTakesYesWritesNothingAndStillAnnouncesAndWaits) {
-    phone.remove(springBoardPath);
+    phone.remove(springBoardPreferencesPath);
     phone.log().clear();
     turnOff();
     EXPECT_EQ(whenRinging(), YES);
@@ -208,48 +214,49 @@ TEST_F(Vibration, WithoutAFileTakesYesWritesNothingAndStillAnnouncesAndWaits) {
     restore();
     EXPECT_THAT(only(phone.calls(), announcing), ElementsAreArray(announcements));
     EXPECT_EQ(phone.device().clock.now(), 1.0);
-    EXPECT_EQ(phone.bytes(springBoardPath), std::nullopt) << "the file is not created";
+    EXPECT_EQ(phone.bytes(springBoardPreferencesPath), std::nullopt) << "the file is not created";
 }
 
 TEST_F(Vibration, LeavesAFileThatIsNoDictionaryAsItIs) {
     for (const std::string bytes : {"", "<plist><array/></plist>", "<plist><dict>", "bplist00"}) {
-        phone.writeBytes(springBoardPath, bytes);
+        phone.writeBytes(springBoardPreferencesPath, bytes);
         phone.log().clear();
         turnOff();
         EXPECT_THAT(only(phone.calls(), announcing), ElementsAreArray(announcements));
         phone.log().clear();
         restore();
         EXPECT_THAT(only(phone.calls(), announcing), ElementsAreArray(announcements));
-        EXPECT_EQ(phone.bytes(springBoardPath), bytes);
+        EXPECT_EQ(phone.bytes(springBoardPreferencesPath), bytes);
         EXPECT_EQ(whenRinging(), YES);
         EXPECT_EQ(whenSilent(), YES);
     }
 }
 
 TEST_F(Vibration, TakesAFolderInPlaceOfTheFileForNoFile) {
-    phone.remove(springBoardPath);
-    std::filesystem::create_directory(phone.device().below(springBoardPath));
+    phone.remove(springBoardPreferencesPath);
+    std::filesystem::create_directory(phone.device().below(springBoardPreferencesPath));
     turnOff();
     restore();
     EXPECT_EQ(whenRinging(), YES);
     EXPECT_EQ(whenSilent(), YES);
-    EXPECT_TRUE(std::filesystem::is_empty(phone.device().below(springBoardPath)));
+    EXPECT_TRUE(std::filesystem::is_empty(phone.device().below(springBoardPreferencesPath)));
 }
 
 TEST_F(Vibration, OfAFileWithOneKeyIsTakenForYesOnlyWhereItIsAbsent) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", false}});
+    phone.write(springBoardPreferencesPath, Dictionary{{"ring-vibrate", false}});
     turnOff();
     restore();
     EXPECT_EQ(settings(), std::pair(flag(false), flag(true)));
-    phone.write(springBoardPath, Dictionary{{"silent-vibrate", false}});
+    phone.write(springBoardPreferencesPath, Dictionary{{"silent-vibrate", false}});
     turnOff();
     restore();
     EXPECT_EQ(settings(), std::pair(flag(true), flag(false)));
 }
 
 TEST_F(Vibration, DoesNotNoticeAFailedWrite) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
-    const auto before = phone.bytes(springBoardPath);
+    phone.write(springBoardPreferencesPath,
+                Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
+    const auto before = phone.bytes(springBoardPreferencesPath);
     phone.log().clear();
     {
         const NoRoom noRoom;
@@ -257,14 +264,14 @@ TEST_F(Vibration, DoesNotNoticeAFailedWrite) {
     }
     EXPECT_THAT(only(phone.calls(), announcing), ElementsAreArray(announcements));
     EXPECT_EQ(phone.device().clock.now(), 0.5);
-    EXPECT_EQ(phone.bytes(springBoardPath), before) << "the file holds what it held";
+    EXPECT_EQ(phone.bytes(springBoardPreferencesPath), before) << "the file holds what it held";
     EXPECT_EQ(whenRinging(), YES) << "the saved values stay";
     EXPECT_EQ(whenSilent(), NO);
 }
 
 TEST_F(Vibration, RestoredDoesNotNoticeAFailedWriteEither) {
     turnOff();
-    const auto before = phone.bytes(springBoardPath);
+    const auto before = phone.bytes(springBoardPreferencesPath);
     phone.log().clear();
     {
         const NoRoom noRoom;
@@ -272,7 +279,7 @@ TEST_F(Vibration, RestoredDoesNotNoticeAFailedWriteEither) {
     }
     EXPECT_THAT(only(phone.calls(), announcing), ElementsAreArray(announcements));
     EXPECT_EQ(phone.device().clock.now(), 1.0);
-    EXPECT_EQ(phone.bytes(springBoardPath), before);
+    EXPECT_EQ(phone.bytes(springBoardPreferencesPath), before);
 }
 
 TEST_F(Vibration, ServesTimersAndObserversWhileItWaits) {
@@ -292,7 +299,7 @@ TEST_F(Vibration, ServesTimersAndObserversWhileItWaits) {
 }
 
 TEST_F(Vibration, SendsASettingThatHasNoBooleanReadingToThePlatformUnguarded) {
-    phone.write(springBoardPath, Dictionary{{"ring-vibrate", Array{}}});
+    phone.write(springBoardPreferencesPath, Dictionary{{"ring-vibrate", Array{}}});
     EXPECT_DEATH(turnOff(), "boolValue");
 }
 

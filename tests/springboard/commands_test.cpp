@@ -115,9 +115,9 @@ TEST_F(Commands, AHostWithoutAMediaControllerIsNotMuted) {
 
 TEST_F(Commands, TheSwitchsOwnVibrationPutsTheSystemsSettingsBackAfterASecond) {
     write(preferencesPath, Dictionary{{"ios-vibrate-pattern", false}});
-    const Dictionary before = dictionary(springBoardPath);
+    const Dictionary before = dictionary(springBoardPreferencesPath);
     expectOutput({"flip"}, "off\n");
-    EXPECT_EQ(dictionary(springBoardPath), before);
+    EXPECT_EQ(dictionary(springBoardPreferencesPath), before);
 }
 
 TEST_F(Commands, ARootIsMadeWhereThereIsNone) {
@@ -202,8 +202,8 @@ TEST_F(Commands, ABundleElsewhereIsLoadedFromThere) {
 
 TEST_F(Commands, APreferenceOfAnOddKindEndsTheProgramAndChangesNoFile) {
     write(preferencesPath, Dictionary{{"ios-vibrate-pattern", Array{}}});
-    const char* const files[] = {preferencesPath, springBoardPath, "/var/db/hardware.plist",
-                                 "/var/run/notifications"};
+    const char* const files[] = {preferencesPath, springBoardPreferencesPath,
+                                 "/var/db/hardware.plist", "/var/run/notifications"};
     Words before;
     for (const char* const file : files) before.push_back(bytes(file));
     expectFailure(run({"flip"}), 1, "<NSArray>: unrecognized selector \"boolValue\"");

@@ -36,7 +36,7 @@ protected:
 
     /// Expects each file of the device to be a whole property list, and no other one to be there.
     void expectWholeFiles() const {
-        for (const char* const path : {preferencesPath, springBoardPath, hardwarePath}) {
+        for (const char* const path : {preferencesPath, springBoardPreferencesPath, hardwarePath}) {
             EXPECT_TRUE(standin::readPropertyList(bytes(path))) << path;
         }
         const fs::directory_iterator files{onDevice(preferencesPath).parent_path()};

@@ -44,7 +44,7 @@ private:
 
 inline constexpr char preferencesPath[] =
     "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist";
-inline constexpr char springBoardPath[] =
+inline constexpr char springBoardPreferencesPath[] =
     "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 
 }  // namespace quillet::test

@@ -18,7 +18,7 @@ namespace quillet::test {
 
 inline constexpr char switchIdentifier[] = "com.velk.switch.ringer";
 inline constexpr char ringerStateName[] = "com.apple.springboard.ringerstate";
-inline constexpr char springBoardPath[] =
+inline constexpr char springBoardPreferencesPath[] =
     "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 
 struct PhoneOptions {

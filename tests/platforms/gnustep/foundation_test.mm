@@ -90,7 +90,7 @@ TEST_F(Counting, AFlipLeavesNoCountBehind) {
 
 TEST_F(Counting, AFlipWithoutAReadableFileLeavesNoCountBehind) {
     phone_.writeBytes(preferencesPath, "<plist><array/></plist>");
-    phone_.remove(springBoardPath);
+    phone_.remove(springBoardPreferencesPath);
     const int held = gnustep::countsHeld();
     for (const std::int32_t state : {0, 1}) {
         phone_.apply(state);

@@ -24,7 +24,8 @@ using standin::HostVariant;
 using standin::Value;
 using ::testing::ElementsAreArray;
 
-constexpr char springBoardPath[] = "/var/mobile/Library/Preferences/com.apple.springboard.plist";
+constexpr char springBoardPreferencesPath[] =
+    "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 constexpr char identifier[] = "com.velk.switch.ringer";
 
 struct Case {
@@ -56,7 +57,7 @@ Lines trace(const Build& build, const Case& with, Scenario scenario) {
                    .openModule = build.open}};
     standin::writeFileAtomically(device.below(preferencesPath),
                                  standin::writePropertyList(with.preferences));
-    standin::writeFileAtomically(device.below(springBoardPath),
+    standin::writeFileAtomically(device.below(springBoardPreferencesPath),
                                  standin::writePropertyList(with.springBoard));
     Lines lines;
     device.trace.setSink([&](const standin::TraceRecord& record) {
