@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/behaviour/choices.h"
 #include "tests/support/phone.h"
 
 namespace quillet::test {
@@ -257,8 +258,6 @@ constexpr std::array<std::int32_t, 8> states = {-1,
                                                 127,
                                                 std::numeric_limits<std::int32_t>::min(),
                                                 std::numeric_limits<std::int32_t>::max()};
-
-constexpr std::array<std::optional<bool>, 3> trueFalseOrAbsent = {true, false, std::nullopt};
 
 std::vector<Choices> allChoices() {
     std::vector<Choices> all = {{false, {}, {}, {}}};

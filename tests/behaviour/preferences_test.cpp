@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/standin/plist/property_list.h"
+#include "tests/behaviour/choices.h"
 #include "tests/support/phone.h"
 
 namespace quillet::test {
@@ -71,8 +72,6 @@ std::vector<Flags> allFlags() {
     }
     return all;
 }
-
-constexpr std::array<std::optional<bool>, 3> trueFalseOrAbsent = {true, false, std::nullopt};
 
 Dictionary file(std::optional<bool> pattern, std::optional<bool> off, std::optional<bool> on) {
     Dictionary dictionary;

@@ -3,12 +3,12 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <string>
 #include <vector>
 
 #include "platform/notify.h"
 #include "tests/standin/on_a_device.h"
+#include "tests/support/real_time.h"
 
 namespace quillet::test {
 namespace {
@@ -17,11 +17,6 @@ using standin::Clock;
 using standin::EventLoop;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-double realNow() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(now).count();
-}
 
 class Loop : public OnADevice {
 protected:

@@ -9,17 +9,13 @@
 #include "platform/notify.h"
 #include "platform/standin/device/device.h"
 #include "tests/support/child.h"
+#include "tests/support/real_time.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
 namespace {
 
 using standin::Device;
-
-double realNow() {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration<double>(now).count();
-}
 
 /// A device of real time, whose observer of "a.name" notes when it is called.
 class RealLoop : public testing::Test {
