@@ -18,6 +18,9 @@ fail() {
     exit 1
 }
 
+# The version of the project, in whose folder this is called.
+version() { sed -n 's/^project(Quillet VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt; }
+
 # Runs a command, whose output is shown only when it fails, on standard error.
 quietly() {  # command…
     local output status=0

@@ -127,6 +127,8 @@ TEST(BundleFolder, ItsPropertyListNamesTheSwitchItsClassAndItsModule) {
     EXPECT_EQ(stringIn(info, "CFBundleDisplayName"), "Ringer");
     EXPECT_EQ(stringIn(info, "CFBundleDevelopmentRegion"), "en");
     EXPECT_EQ(stringIn(info, "CFBundlePackageType"), "BNDL");
+    EXPECT_EQ(stringIn(info, "CFBundleShortVersionString"), QUILLET_VERSION);
+    EXPECT_EQ(stringIn(info, "CFBundleVersion"), QUILLET_VERSION);
     EXPECT_TRUE(fs::is_regular_file(bundle / stringIn(info, "CFBundleExecutable")));
 }
 
