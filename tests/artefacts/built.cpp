@@ -69,8 +69,8 @@ std::string builtModule(const std::string& architecture) {
     return builtFolder() + "/" + architecture + "/Quillet.bundle/Quillet";
 }
 
-std::string packageIn(const std::string& folder) {
-    return folder + "/com.velk.switch.ringer_1.0.0_iphoneos-arm.deb";
+std::string packageIn(const std::string& folder, const std::string& architecture) {
+    return folder + "/com.velk.switch.ringer_" QUILLET_VERSION "_" + architecture + ".deb";
 }
 
 }  // namespace quillet::test

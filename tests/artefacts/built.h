@@ -28,10 +28,11 @@ std::vector<std::string> column(const std::string& text, size_t column);
 /// The folder with the device build, made by script/package at the first call of the process.
 const std::string& builtFolder();
 
-/// The module of one architecture, or the universal one for an empty `architecture`.
+/// The module of one architecture, the universal one for an empty `architecture`, or the one for
+/// the packages: "device" or "rootless".
 std::string builtModule(const std::string& architecture);
 
-/// The package in `folder`, a build folder.
-std::string packageIn(const std::string& folder);
+/// The package for one of dpkg's architectures in `folder`, a build folder.
+std::string packageIn(const std::string& folder, const std::string& architecture);
 
 }  // namespace quillet::test

@@ -1,83 +1,86 @@
 // SPDX-License-Identifier: MIT
 //
-// The package for devices, as dpkg reads it.
+// The packages for devices, as dpkg reads them.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "tests/artefacts/built.h"
+#include "tests/artefacts/device_package.h"
 
 namespace quillet::test {
 namespace {
 
+using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::Not;
 using ::testing::StartsWith;
 
 namespace fs = std::filesystem;
 
-std::string package() { return packageIn(builtFolder()); }
-
-std::string field(const std::string& name) {
-    return textOf("dpkg-deb --field " + package() + " " + name);
-}
-
-/// The pre-install check of the package, run by dpkg's rules on a root folder.
-class PreInstallCheck : public testing::Test {
+class Package : public testing::TestWithParam<DevicePackage> {
 protected:
-    PreInstallCheck() {
-        fs::remove_all(root_);
-        fs::create_directories(root_ + "/usr/lib");
-        textOf("dpkg-deb --control " + package() + " " + control_);
-    }
-    ~PreInstallCheck() override {
-        fs::remove_all(root_);
-        fs::remove_all(control_);
+    static std::string package() { return packageIn(builtFolder(), GetParam().architecture); }
+
+    static std::string field(const std::string& name) {
+        return textOf("dpkg-deb --field " + package() + " " + name);
     }
 
-    Outcome check(const std::string& action) const {
-        return run("DPKG_ROOT=" + root_ + " " + control_ + "/preinst " + action + " 2>&1");
+    static std::string bundle() {
+        return "." + GetParam().prefix + "/Library/Switches/Quillet.bundle/";
     }
 
-    std::string root_ = builtFolder() + "/device";
-    std::string control_ = builtFolder() + "/control";
+    static std::string contentOf(const std::string& file) {
+        return "dpkg-deb --fsys-tarfile " + package() + " | tar --extract --to-stdout " + file;
+    }
 };
 
-TEST(Package, IsNamedAfterTheBundleAndMeantForDevices) {
+INSTANTIATE_TEST_SUITE_P(Built, Package, testing::ValuesIn(devicePackages),
+                         [](const auto& instance) { return instance.param.name; });
+
+TEST_P(Package, IsNamedAfterTheBundleAndMeantForItsSystems) {
     EXPECT_EQ(field("Package"), "com.velk.switch.ringer\n");
-    EXPECT_EQ(field("Architecture"), "iphoneos-arm\n");
-    EXPECT_EQ(field("Depends"), "firmware (>= 7.0)\n");
-    const std::string properties = textOf("cat resources/Info.plist");
-    EXPECT_THAT(properties, HasSubstr("<string>com.velk.switch.ringer</string>"));
-    std::string version = field("Version");
-    version.pop_back();
-    EXPECT_THAT(properties, HasSubstr("<string>" + version + "</string>"));
+    EXPECT_EQ(field("Architecture"), GetParam().architecture + "\n");
+    EXPECT_EQ(field("Depends"), "firmware (>= " + GetParam().firmware + ")\n");
+    EXPECT_EQ(field("Version"), QUILLET_VERSION "\n");
 }
 
-TEST(Package, IsMadeOfGzipMembersThatOldInstallersRead) {
+TEST_P(Package, HoldsAPropertyListWithItsNameAndVersion) {
+    const std::string properties = textOf(contentOf(bundle() + "Info.plist"));
+    EXPECT_THAT(properties, HasSubstr("<string>com.velk.switch.ringer</string>"));
+    EXPECT_THAT(linesWith(properties, "<string>" QUILLET_VERSION "</string>"), testing::SizeIs(2));
+}
+
+TEST_P(Package, NamesNoSourceUnlessItIsMadeForOne) {
+    EXPECT_THAT(textOf("dpkg-deb --field " + package()), Not(HasSubstr("://")));
+}
+
+TEST_P(Package, IsMadeOfGzipMembersThatOldInstallersRead) {
     EXPECT_THAT(column(textOf("ar t " + package()), 0),
                 ElementsAre("debian-binary", "control.tar.gz", "data.tar.gz"));
     EXPECT_EQ(textOf("ar p " + package() + " data.tar.gz | od -An -N2 -tx1"), " 1f 8b\n");
 }
 
-TEST(Package, HoldsTheBundleAndNothingElse) {
-    std::vector<std::string> expected = {"./", "./Library/", "./Library/Switches/"};
+TEST_P(Package, HoldsTheBundleAndNothingElse) {
+    std::vector<std::string> expected = {bundle(), bundle() + "Quillet"};
+    for (std::string folder = bundle(); folder != "./";) {
+        folder.erase(folder.rfind('/', folder.size() - 2) + 1);
+        expected.push_back(folder);
+    }
     const fs::path source = QUILLET_ROOT "/resources";
-    const std::string bundle = "./Library/Switches/Quillet.bundle/";
-    expected.insert(expected.end(), {bundle, bundle + "Quillet"});
     for (const auto& entry : fs::recursive_directory_iterator(source)) {
-        expected.push_back(bundle + fs::relative(entry.path(), source).string() +
+        expected.push_back(bundle() + fs::relative(entry.path(), source).string() +
                            (entry.is_directory() ? "/" : ""));
     }
     EXPECT_THAT(column(textOf("dpkg-deb --contents " + package()), 5),
                 testing::UnorderedElementsAreArray(expected));
 }
 
-TEST(Package, GivesEveryFileToRootAndOnlyTheModuleTheRightToBeRun) {
+TEST_P(Package, GivesEveryFileToRootAndOnlyTheModuleTheRightToBeRun) {
     const std::string list =
         textOf("dpkg-deb --fsys-tarfile " + package() + " | tar --numeric-owner --list --verbose");
     EXPECT_THAT(column(list, 1), Each("0/0"));
@@ -90,49 +93,79 @@ TEST(Package, GivesEveryFileToRootAndOnlyTheModuleTheRightToBeRun) {
     }
 }
 
-TEST(Package, HoldsTheModuleForDevices) {
-    EXPECT_EQ(
-        run("dpkg-deb --fsys-tarfile " + package() +
-            " | tar --extract --to-stdout ./Library/Switches/Quillet.bundle/Quillet | cmp - " +
-            builtModule("arm64"))
-            .status,
-        0);
+TEST_P(Package, HoldsTheModuleForItsSystems) {
+    const std::string module = builtModule(GetParam().module);
+    EXPECT_EQ(run(contentOf(bundle() + "Quillet") + " | cmp - " + module).status, 0);
 }
 
 // Another folder, another time zone, another mask for new files, another locale.
-TEST(Package, HasTheSameBytesWhereverTheSameCommitIsBuilt) {
+TEST(Packages, HaveTheSameBytesWhereverTheSameCommitIsBuilt) {
     const std::string copy = builtFolder() + "/copy";
     fs::remove_all(copy);
     fs::create_directories(copy);
-    textOf("cp -R platform switch settings prefs resources packaging script " + copy);
+    textOf("cp -R CMakeLists.txt platform switch settings prefs resources packaging script " +
+           copy);
     const std::string script = "script/package >/dev/null";
     textOf("SOURCE_DATE_EPOCH=1700000000 BUILD_DIR=" + copy + "/here " + script);
     textOf("cd " + copy + " && umask 077 && SOURCE_DATE_EPOCH=1700000000 TZ=Asia/Tokyo" +
            " LANG=C.UTF-8 BUILD_DIR=there " + script);
-    EXPECT_EQ(run("cmp " + packageIn(copy + "/here") + " " + packageIn(copy + "/there")).status, 0);
+    for (const DevicePackage& package : devicePackages) {
+        EXPECT_EQ(run("cmp " + packageIn(copy + "/here", package.architecture) + " " +
+                      packageIn(copy + "/there", package.architecture))
+                      .status,
+                  0);
+    }
     EXPECT_EQ(
         run("diff -r " + copy + "/here/Quillet.bundle " + copy + "/there/Quillet.bundle").status,
         0);
     fs::remove_all(copy);
 }
 
-TEST_F(PreInstallCheck, RefusesADeviceWithoutTheSwitchFrameworkAndSaysWhy) {
-    for (const std::string action : {"install", "upgrade 0.9"}) {
-        const Outcome outcome = check(action);
-        EXPECT_EQ(outcome.status, 1) << action;
-        EXPECT_THAT(outcome.text, HasSubstr("there is no /usr/lib/libflipswitch.dylib"));
+class PackagedModule : public testing::Test {
+protected:
+    static std::string commands(const std::string& module) {
+        return textOf("llvm-objdump-14 --macho --private-headers " + builtModule(module));
     }
+
+    static std::vector<std::string> switchFramework(const std::string& module) {
+        return column(textOf("llvm-objdump-14 --macho --dylibs-used " + builtModule(module)), 0);
+    }
+};
+
+TEST_F(PackagedModule, RunsOn32BitAnd64BitDevicesWhereFilesHaveTheirOldPlace) {
+    EXPECT_EQ(textOf("llvm-lipo-14 -archs " + builtModule("device")), "armv7 arm64 \n");
 }
 
-TEST_F(PreInstallCheck, SaysNothingOnADeviceWithTheSwitchFramework) {
-    std::ofstream(root_ + "/usr/lib/libflipswitch.dylib") << "a library";
-    const Outcome outcome = check("install");
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.text, "");
+TEST_F(PackagedModule, FindsTheSwitchFrameworkInItsOldPlace) {
+    EXPECT_THAT(switchFramework("device"), Contains("/usr/lib/libflipswitch.dylib"));
+    EXPECT_THAT(commands("arm64"), Not(HasSubstr("LC_RPATH")));
 }
 
-TEST_F(PreInstallCheck, LetsAnAbandonedUpgradeBeUndone) {
-    EXPECT_EQ(check("abort-upgrade 1.1").status, 0);
+TEST_F(PackagedModule, Runs64BitOnRootlessSystems) {
+    EXPECT_EQ(textOf("llvm-lipo-14 -archs " + builtModule("rootless")), "arm64 \n");
+}
+
+TEST_F(PackagedModule, FindsTheSwitchFrameworkAlongItsRunPathsOnRootlessSystems) {
+    EXPECT_THAT(switchFramework("rootless"), Contains("@rpath/libflipswitch.dylib"));
+    EXPECT_THAT(switchFramework("rootless"), Not(Contains(HasSubstr("/usr/lib/libflipswitch"))));
+    EXPECT_THAT(linesWith(commands("rootless"), "path /"),
+                ElementsAre("path /usr/lib (offset 12)", "path /var/jb/usr/lib (offset 12)"));
+}
+
+TEST_F(PackagedModule, DiffersForRootlessSystemsInNothingButTheSwitchFrameworksPlace) {
+    const auto others = [](std::vector<std::string> libraries) {
+        std::erase_if(libraries, [](const std::string& library) {
+            return library.find("libflipswitch") != std::string::npos || library.ends_with(":");
+        });
+        return libraries;
+    };
+    EXPECT_EQ(others(switchFramework("rootless")), others(switchFramework("arm64")));
+    const auto code = [](const std::string& module) {
+        const std::string text =
+            textOf("llvm-objdump-14 --disassemble --no-show-raw-insn " + builtModule(module));
+        return text.substr(text.find("Disassembly"));
+    };
+    EXPECT_EQ(code("rootless"), code("arm64"));
 }
 
 }  // namespace
