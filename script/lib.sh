@@ -8,7 +8,8 @@ readonly buildPackages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev
     libssl-dev)
 readonly iosPackages=(g++ libssl-dev clang-14 lld-14 llvm-14)
-readonly deviceTestPackages=("${iosPackages[@]}" gobjc++ libgnustep-base-dev googletest
+readonly repositoryPackages=("${iosPackages[@]}" librsvg2-bin xz-utils)
+readonly deviceTestPackages=("${repositoryPackages[@]}" gobjc++ libgnustep-base-dev googletest
     g++-aarch64-linux-gnu qemu-user)
 
 say() { printf '%s\n' "$*" >&2; }
@@ -20,6 +21,9 @@ fail() {
 
 # The version of the project, in whose folder this is called.
 version() { sed -n 's/^project(Quillet VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt; }
+
+# The seconds since 1970 that stand for the time of the build: the commit's, unless they are given.
+sourceDate() { echo "${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct 2>/dev/null || echo 0)}"; }
 
 # Runs a command, whose output is shown only when it fails, on standard error.
 quietly() {  # command…
@@ -46,6 +50,8 @@ missingPackages() {  # package…
 programOf() {  # package
     case $1 in
         ninja-build) echo ninja ;;
+        xz-utils) echo xz ;;
+        librsvg2-bin) echo rsvg-convert ;;
         clang) echo clang++ ;;
         llvm) echo llvm-symbolizer ;;
         lld-14) echo ld64.lld-14 ;;
