@@ -20,10 +20,12 @@ class FSSwitchPanel : public Object {
 public:
     using Object::Object;
 
+    /// The framework's one panel, shared with it; never nil in a host that the framework runs in.
     static FSSwitchPanel sharedPanel();
 
-    /// Has the panel ask the switch `identifier` for its state, during this call, and draw it
-    /// anew. An identifier that no switch has is ignored.
+    /// Has the panel ask the switch `identifier` for its state and draw it anew. The question comes
+    /// back into the bundle, during this call or after it. An identifier that no switch has, or
+    /// nil, is ignored.
     void stateDidChangeForSwitchIdentifier(NSString identifier) const;
 };
 

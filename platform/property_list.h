@@ -31,7 +31,7 @@ public:
     /// A new dictionary from the file at `path`, owned by the answer.
     static NSDictionary initWithContentsOfFile(NSString path);
 
-    /// The value for `key`, or nil when the dictionary holds none.
+    /// The value for `key`, shared with the dictionary and outliving it; nil when it holds none.
     Object objectForKey(NSString key) const;
 };
 
@@ -40,10 +40,16 @@ class NSMutableDictionary : public NSDictionary {
 public:
     using NSDictionary::NSDictionary;
 
+    /// A dictionary of its own from the file at `path`, shared with the platform. Changes reach
+    /// the file only by `writeToFile`.
     static NSMutableDictionary dictionaryWithContentsOfFile(NSString path);
+    /// The same, owned by the answer.
     static NSMutableDictionary initWithContentsOfFile(NSString path);
     /// A new dictionary without entries, owned by the answer.
     static NSMutableDictionary init();
+
+    // Both share `value`, which must be of a property list's kinds, and copy `forKey`, which must
+    // not be nil: the platform may end the process.
 
     /// Puts `value` under `forKey` in place of an earlier value. A nil `value` removes the entry.
     void setValue(Object value, NSString forKey) const;
@@ -62,9 +68,11 @@ class NSFileManager : public Object {
 public:
     using Object::Object;
 
+    /// The process's one manager, shared with the platform; never nil.
     static NSFileManager defaultManager();
 
-    /// YES when there is a file or folder at `path`, an absolute path of the device.
+    /// YES when there is a file or folder at `path`, an absolute path of the device, whether or not
+    /// it can be read. NO also when that cannot be found out, and for a nil `path`.
     BOOL fileExistsAtPath(NSString path) const;
 };
 

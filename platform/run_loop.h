@@ -22,19 +22,21 @@ class NSRunLoop : public Object {
 public:
     using Object::Object;
 
-    /// The calling thread's loop.
+    /// The calling thread's loop, shared with the platform; never nil.
     static NSRunLoop currentRunLoop();
 
     /// Blocks until `limit`, and meanwhile runs whatever falls due on this thread: timers,
     /// callbacks of notification observers, the host's own input. What it runs may call back into
-    /// the bundle.
+    /// the bundle, and may run the loop again. A limit that has passed, or nil, does not block;
+    /// what is due may be run all the same.
     void runUntilDate(NSDate limit) const;
 };
 
 /// The calling thread.
 class NSThread {
 public:
-    /// Blocks the thread for `seconds`, at least. Nothing runs on it meanwhile.
+    /// Blocks the thread for `seconds`, at least. Nothing runs on it meanwhile. Zero and less do
+    /// not block.
     static void sleepForTimeInterval(NSTimeInterval seconds);
 };
 
