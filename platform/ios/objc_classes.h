@@ -114,6 +114,7 @@ extern "C" {
 Class NSClassFromString(NSString* name);
 SEL sel_registerName(const char* name);
 Class object_getClass(id object);
+BOOL class_isMetaClass(Class cls);
 BOOL class_respondsToSelector(Class cls, SEL selector);
 void* calloc(size_t count, size_t size);
 void free(void* storage);

@@ -21,8 +21,10 @@ SBRingerHUDController SBRingerHUDController::sharedInstance() const {
 }
 
 void SBRingerHUDController::activate(int state) const {
-    // Asked of the runtime, not of the object: the host sees no message but this one, or none.
-    if (!class_respondsToSelector(object_getClass(object(*this)), @selector(activate:))) return;
+    // A class has been asked. An instance has not, and the runtime is asked in its place: the host
+    // sees no message but this one, or none.
+    const ::Class cls = object_getClass(object(*this));
+    if (!class_isMetaClass(cls) && !class_respondsToSelector(cls, @selector(activate:))) return;
     [object(*this) activate:state];
 }
 

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/object.h"
 
-#include <errno.h>
-
-#include <cstdio>
-#include <cstdlib>
-
 #include "platform/standin/device/device.h"
 
 namespace quillet {
@@ -17,21 +12,13 @@ using standin::send;
 
 namespace {
 
-/// Ends the process as an exception that nobody catches does.
-[[noreturn]] void unrecognizedSelector(const Instance& receiver, const char* selector) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "%s: %s: unrecognized selector \"%s\"\n", program_invocation_short_name,
-                 receiver.description().c_str(), selector);
-    std::_Exit(EXIT_FAILURE);
-}
-
 /// Sends `selector` to an object that answers with a `reading` of its value, if it has one.
 template <class Type, class Reading>
 Type read(const Object& receiver, const char* selector, Reading reading) {
     return send(receiver, [&](const Instance& instance) -> Type {
         const standin::Value* const value = instance.propertyListValue();
         const auto answer = value != nullptr ? reading(*value) : std::nullopt;
-        if (!answer) unrecognizedSelector(instance, selector);
+        if (!answer) standin::unrecognizedSelector(instance, selector);
         Device::current().trace.message(instance.description(), selector, Answer{*answer});
         return *answer;
     });

@@ -15,6 +15,7 @@ using standin::HostInstance;
 using standin::HostVariant;
 using standin::Instance;
 using standin::send;
+using standin::unrecognizedSelector;
 
 namespace {
 
@@ -67,7 +68,10 @@ SBRingerHUDController SBRingerHUDController::sharedInstance() const {
 
 void SBRingerHUDController::activate(int state) const {
     send(*this, [&](const Instance& receiver) {
-        if (!receiver.respondsToSelector(activateSelector)) return;
+        if (!receiver.respondsToSelector(activateSelector)) {
+            if (!receiver.isClass()) return;
+            unrecognizedSelector(receiver, activateSelector);
+        }
         Device::current().trace.message(receiver.description(), activateSelector, state);
     });
 }
@@ -89,7 +93,9 @@ SBMediaController SBMediaController::sharedInstance() const {
 
 void SBMediaController::setRingerMuted(BOOL muted) const {
     send(*this, [&](const Instance& receiver) {
-        if (!receiver.respondsToSelector(muteSelector)) return;
+        if (!receiver.respondsToSelector(muteSelector)) {
+            unrecognizedSelector(receiver, muteSelector);
+        }
         Device& device = Device::current();
         device.trace.message(receiver.description(), muteSelector, muted != NO);
         device.hardware.setRingerMuted(muted != NO);

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/runtime/instance.h"
 
+#include <errno.h>
+
+#include <cstdio>
+#include <cstdlib>
+
 namespace quillet::standin {
 
 namespace {
@@ -21,6 +26,13 @@ std::string Instance::description() const {
 
 void Instance::release() {
     if (--count_ == 0) delete this;
+}
+
+void unrecognizedSelector(const Instance& receiver, const char* selector) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "%s: %s: unrecognized selector \"%s\"\n", program_invocation_short_name,
+                 receiver.description().c_str(), selector);
+    std::_Exit(EXIT_FAILURE);
 }
 
 }  // namespace quillet::standin

@@ -78,4 +78,7 @@ auto send(const Object& receiver, Body body) {
     }
 }
 
+/// Ends the process as an exception that nobody catches does: `receiver` does not answer.
+[[noreturn]] void unrecognizedSelector(const Instance& receiver, const char* selector);
+
 }  // namespace quillet::standin

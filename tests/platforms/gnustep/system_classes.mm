@@ -78,9 +78,22 @@ quillet::SBMediaController media;
 @interface QuilletIndicatorAtClass : SBRingerHUDController
 @end
 
+/// It has no such method: it says that it answers the message, and forwards it.
 @implementation QuilletIndicatorAtClass
 
-+ (void)activate:(int)state {
++ (BOOL)respondsToSelector:(SEL)selector {
+    return sel_isEqual(selector, @selector(activate:)) || [super respondsToSelector:selector];
+}
+
++ (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
+    return sel_isEqual(selector, @selector(activate:))
+               ? [NSMethodSignature signatureWithObjCTypes:"v@:i"]
+               : [super methodSignatureForSelector:selector];
+}
+
++ (void)forwardInvocation:(NSInvocation*)invocation {
+    int state = 0;
+    [invocation getArgument:&state atIndex:2];
     indicatorClass.activate(state);
 }
 

@@ -63,6 +63,7 @@ Selector registerSelector(const char* name) {
 
 /// An instance of the stand-in knows itself what it responds to, so it stands for its class.
 Id classOf(Id object) { return object; }
+int isMetaclass(Id cls) { return cls != nullptr && standin::instanceOf(cls)->isClass() ? 1 : 0; }
 int respondsToSelector(Id object, Selector selector) {
     return object != nullptr && standin::instanceOf(object)->respondsToSelector(selector) ? 1 : 0;
 }
@@ -92,6 +93,7 @@ const std::map<std::string_view, const void*>& names() {
         {"_objc_empty_cache", &emptyMethodCache},
         {"bzero", code(bzero)},
         {"calloc", code(allocate)},
+        {"class_isMetaClass", code(isMetaclass)},
         {"class_respondsToSelector", code(respondsToSelector)},
         {"dlclose", code(__wrap_dlclose)},
         {"dlopen", code(__wrap_dlopen)},
