@@ -66,18 +66,27 @@ public:
     explicit Class(void* instance) noexcept;
 };
 
-/// Base of the bundle's own classes: storage from the platform, set up in a constructor.
+/// Base of the bundle's own classes. An object of one is an object of the platform: the runtime's
+/// word first, then the fields of the class. `new` is `alloc` and the constructor is `init`.
 class NSObject {
 public:
-    /// Storage of `size` bytes for one object, all zero. It is never null: the platform ends a
-    /// process that has no memory left.
-    static void* operator new(size_t size);
-    static void operator delete(void* storage) noexcept;
+    /// For an object that has been allocated already.
+    static void* operator new(size_t /*size*/, void* allocated) noexcept { return allocated; }
 
 protected:
-    /// The base class's `init`.
+    /// `alloc` sent to `cls`: an object of `size` bytes, all zero but for the runtime's word, with
+    /// one count for the caller. Never null: the platform ends a process that has no memory left.
+    static void* alloc(const Class& cls, size_t size);
+    /// Gives back the count that `alloc` gave.
+    static void release(void* object) noexcept;
+
+    /// The base class's `init`. Leaves the runtime's word as it is, as must every constructor.
     NSObject();
     ~NSObject() = default;
+
+private:
+    /// The class, on a device. Set by `alloc`, read by the runtime only.
+    [[maybe_unused]] void* word_;
 };
 
 }  // namespace quillet

@@ -25,6 +25,13 @@ inline constexpr char ringtoneVolumeKey[] = "ringtone-volume";
 /// guarded against readers on other threads: everything runs on the host's main thread.
 class PrefsLoader : public NSObject {
 public:
+    /// This class as the platform's runtime knows it. Defined once for each platform.
+    static Class classObject();
+
+    using NSObject::operator new;
+    static void* operator new(size_t size) { return alloc(classObject(), size); }
+    static void operator delete(void* object) noexcept { release(object); }
+
     /// NO, YES, NO. Does not read the file.
     PrefsLoader();
 
@@ -53,7 +60,8 @@ private:
     BOOL vibrateWhenOn_;
 };
 
-/// The one instance: null until the bundle's class is loaded, then never replaced or released.
+/// The one instance: null until the bundle's class is loaded, then never replaced or released by
+/// the bundle. While it is null the switch sends nothing and takes NO for every choice.
 extern "C" [[gnu::visibility("default")]] PrefsLoader* _prefsLoader;
 
 }  // namespace quillet

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <stddef.h>
-
 // The platform's Objective-C classes, of whatever library or host, with only the messages that the
 // bundle sends, and the functions of their runtime.
 
@@ -36,7 +34,9 @@ __attribute__((objc_root_class))
 }
 + (id)alloc;
 + (Class)class;
++ (id (*)(id, SEL))instanceMethodForSelector:(SEL)selector;
 - (id)init;
+- (void)dealloc;
 - (id)retain;
 - (oneway void)release;
 - (BOOL)respondsToSelector:(SEL)selector;
@@ -116,7 +116,5 @@ SEL sel_registerName(const char* name);
 Class object_getClass(id object);
 BOOL class_isMetaClass(Class cls);
 BOOL class_respondsToSelector(Class cls, SEL selector);
-void* calloc(size_t count, size_t size);
-void free(void* storage);
 
 }  // extern "C"

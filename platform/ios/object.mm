@@ -27,10 +27,14 @@ float Object::floatValue() const { return [object(*this) floatValue]; }
 
 Class::Class(void* instance) noexcept : Object{Owned{}, [static_cast<id>(instance) retain]} {}
 
-void* NSObject::operator new(size_t size) { return calloc(1, size); }
+void* NSObject::alloc(const Class& cls, size_t /*size*/) { return [object(cls) alloc]; }
 
-void NSObject::operator delete(void* storage) noexcept { free(storage); }
+void NSObject::release(void* object) noexcept { [static_cast<id>(object) release]; }
 
-NSObject::NSObject() = default;
+NSObject::NSObject() {
+    // What [super init] is in a method.
+    [::NSObject
+     instanceMethodForSelector:@selector(init)](reinterpret_cast<id>(this), @selector(init));
+}
 
 }  // namespace quillet

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/object.h"
 
+#include <cstring>
+
 #include "platform/standin/device/device.h"
 
 namespace quillet {
@@ -58,9 +60,14 @@ Class::Class(void* instance) noexcept : Object{Owned{}, instance} {
     send(*this, [](Instance& cls) { cls.retain(); });
 }
 
-void* NSObject::operator new(size_t size) { return Device::current().storage.allocate(size); }
+void* NSObject::alloc(const Class& cls, size_t size) {
+    void* const object = Device::current().storage.allocate(size);
+    void* const word = cls.instance();
+    std::memcpy(object, &word, sizeof word);
+    return object;
+}
 
-void NSObject::operator delete(void* /*storage*/) noexcept {}
+void NSObject::release(void* /*object*/) noexcept {}
 
 NSObject::NSObject() { Device::current().trace.message("<NSObject>", "init"); }
 

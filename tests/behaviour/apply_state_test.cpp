@@ -270,13 +270,13 @@ TEST(ApplyState, ReadsTheModelTwiceAndAfreshWhateverTheState) {
         phone.log().clear();
         phone.apply(state);
         EXPECT_THAT(only(phone.calls(), {"uname", "notify_post", "NSClassFromString"}),
-                    ElementsAreArray(reported({
+                    ElementsAreArray(Calls{
                         posted,
                         R"(uname("iPhone6,1") = 0)",
                         R"(NSClassFromString("SBMediaController") = "SBMediaController")",
                         R"(NSClassFromString("SBRingerHUDController") = "SBRingerHUDController")",
                         R"(uname("iPhone6,1") = 0)",
-                    })));
+                    }));
     }
 }
 

@@ -35,14 +35,14 @@ Calls joined(Calls first, const Calls& second) {
 
 TEST(Loading, CreatesThePreferencesAndThenObservesTheRingerState) {
     Phone phone;
-    EXPECT_THAT(phone.calls(), ElementsAreArray(reported({
+    EXPECT_THAT(phone.calls(), ElementsAreArray(Calls{
                                    "<NSObject> init()",
                                    R"(CFNotificationCenterGetDarwinNotifyCenter() = )"
                                    R"("<CFNotificationCenter>")",
                                    R"(CFNotificationCenterAddObserver("<CFNotificationCenter>", )"
                                    R"(null, "<callback>", )"
                                    R"("com.apple.springboard.ringerstate", null, 2))",
-                               })));
+                               }));
 }
 
 TEST(Loading, LeavesThePreferencesAsTheyAreBeforeAnyLoad) {
@@ -102,7 +102,7 @@ TEST(RingerStateChanged, RefreshesTheSwitchByItsBundlesIdentifier) {
     phone.log().clear();
     phone.post(ringerStateName);
     phone.device().eventLoop.turn();
-    EXPECT_THAT(phone.calls(), ElementsAreArray(reported(joined(refresh, readingOf("1")))));
+    EXPECT_THAT(phone.calls(), ElementsAreArray(joined(refresh, readingOf("1"))));
 }
 
 TEST(RingerStateChanged, RefreshesOnceForEveryNotification) {
@@ -128,7 +128,7 @@ TEST(RingerStateChanged, ComesBackForTheSwitchsOwnPost) {
     phone.apply(0);
     phone.log().clear();
     phone.device().eventLoop.turn();
-    EXPECT_THAT(phone.calls(), ElementsAreArray(reported(joined(refresh, readingOf("0")))));
+    EXPECT_THAT(phone.calls(), ElementsAreArray(joined(refresh, readingOf("0"))));
 }
 
 TEST(State, ReadsTheWordWithATokenOfItsOwn) {
@@ -136,7 +136,7 @@ TEST(State, ReadsTheWordWithATokenOfItsOwn) {
     phone.setStateWord(1);
     phone.log().clear();
     EXPECT_EQ(phone.state(), FSSwitchStateOn);
-    EXPECT_THAT(phone.calls(), ElementsAreArray(reported(readingOf("1"))));
+    EXPECT_THAT(phone.calls(), ElementsAreArray(readingOf("1")));
     EXPECT_EQ(phone.device().tokens.count(), 0U);
 }
 
@@ -158,10 +158,10 @@ TEST(State, IsOffAndStillCancelsWhenNoTokenCanBeTaken) {
     phone.log().clear();
     EXPECT_EQ(phone.state(), FSSwitchStateOff);
     EXPECT_THAT(phone.calls(),
-                ElementsAreArray(reported({
+                ElementsAreArray(Calls{
                     R"(notify_register_check("com.apple.springboard.ringerstate", null) = 1000000)",
                     "notify_cancel(-1) = 2",
-                })));
+                }));
 }
 
 TEST(State, IsOffWhenTheWordCannotBeReadAndEveryCallIsStillMade) {
@@ -170,13 +170,13 @@ TEST(State, IsOffWhenTheWordCannotBeReadAndEveryCallIsStillMade) {
     phone.log().clear();
     phone.whenTokenIsTaken([&](int token) { phone.device().tokens.cancel(token); });
     EXPECT_EQ(phone.state(), FSSwitchStateOff);
-    EXPECT_THAT(phone.calls(), ElementsAreArray(reported({
+    EXPECT_THAT(phone.calls(), ElementsAreArray(Calls{
                                    R"(notify_register_check()"
                                    R"("com.apple.springboard.ringerstate", t1) = 0)",
                                    "notify_check(t1, null) = 2",
                                    "notify_get_state(t1, null) = 2",
                                    "notify_cancel(t1) = 2",
-                               })));
+                               }));
 }
 
 TEST(State, ReadsTheWordWhateverTheCheckFinds) {

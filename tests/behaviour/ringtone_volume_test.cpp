@@ -54,12 +54,12 @@ TEST(IsiPod, AsksTheSystemAtEveryCall) {
     phone.exported<BOOL()>("isiPod")();
     phone.device().machine = "iPad4,1";
     phone.exported<BOOL()>("isiPod")();
-    EXPECT_THAT(phone.calls(), ElementsAreArray(reported({
+    EXPECT_THAT(phone.calls(), ElementsAreArray(Calls{
                                    R"(uname("iPod5,1") = 0)",
                                    R"(strstr("iPod5,1", "iPod") = true)",
                                    R"(uname("iPad4,1") = 0)",
                                    R"(strstr("iPad4,1", "iPod") = false)",
-                               })));
+                               }));
 }
 
 TEST_F(RingtoneVolume, TurnedOffIsKeptInTheFileAndThenZeroed) {
@@ -68,7 +68,7 @@ TEST_F(RingtoneVolume, TurnedOffIsKeptInTheFileAndThenZeroed) {
     phone.log().clear();
     turnOff();
     EXPECT_THAT(phone.calls(),
-                ElementsAreArray(reported({
+                ElementsAreArray(Calls{
                     R"(NSFileManager defaultManager() = "<NSFileManager>")",
                     "<NSFileManager> fileExistsAtPath:(" + quotedPath + ") = true",
                     "NSMutableDictionary initWithContentsOfFile:(" + quotedPath +
@@ -80,7 +80,7 @@ TEST_F(RingtoneVolume, TurnedOffIsKeptInTheFileAndThenZeroed) {
                     "NSMutableDictionary writeToFile:atomically:(" + quotedPath + ", true) = true",
                     R"(AVSystemController sharedAVSystemController() = "<AVSystemController>")",
                     R"(<AVSystemController> setVolumeTo:forCategory:(0, "Ringtone") = true)",
-                })));
+                }));
 }
 
 TEST_F(RingtoneVolume, WithoutAFileStartsFromAnEmptyDictionary) {
@@ -88,10 +88,10 @@ TEST_F(RingtoneVolume, WithoutAFileStartsFromAnEmptyDictionary) {
     phone.log().clear();
     turnOff();
     EXPECT_THAT(only(phone.calls(), {"fileExistsAtPath:", "initWithContentsOfFile:", "init"}),
-                ElementsAreArray(reported({
+                ElementsAreArray(Calls{
                     "<NSFileManager> fileExistsAtPath:(" + quotedPath + ") = false",
                     R"(NSMutableDictionary init() = "<NSMutableDictionary: 0 entries>")",
-                })));
+                }));
     EXPECT_EQ(phone.dictionary(preferencesPath), (Dictionary{{"ringtone-volume", 0.5}}));
     EXPECT_EQ(phone.volume(), 0.0F);
 }
@@ -167,14 +167,14 @@ TEST_F(RingtoneVolume, RestoredReadsTheFileAndSetsTheVolume) {
     phone.log().clear();
     restore();
     EXPECT_THAT(phone.calls(),
-                ElementsAreArray(reported({
+                ElementsAreArray(Calls{
                     "NSDictionary initWithContentsOfFile:(" + quotedPath +
                         R"() = "<NSDictionary: 1 entries>")",
                     R"(NSDictionary objectForKey:("ringtone-volume") = 0.25)",
                     R"(<NSNumber> floatValue() = 0.25)",
                     R"(AVSystemController sharedAVSystemController() = "<AVSystemController>")",
                     R"(<AVSystemController> setVolumeTo:forCategory:(0.25, "Ringtone") = true)",
-                })));
+                }));
     EXPECT_EQ(phone.device().clock.now(), 0.0) << "it does not pause";
 }
 

@@ -53,7 +53,7 @@ TEST_F(Vibration, TurnedOffWritesTheSettingsAnnouncesThemAndTurnsTheRunLoop) {
     turnOff();
     const std::string path = std::string{"\""} + springBoardPreferencesPath + "\"";
     EXPECT_THAT(phone.calls(),
-                ElementsAreArray(reported({
+                ElementsAreArray(Calls{
                     "NSMutableDictionary dictionaryWithContentsOfFile:(" + path +
                         R"() = "<NSMutableDictionary: 2 entries>")",
                     R"(NSMutableDictionary objectForKey:("ring-vibrate") = true)",
@@ -72,7 +72,7 @@ TEST_F(Vibration, TurnedOffWritesTheSettingsAnnouncesThemAndTurnsTheRunLoop) {
                     R"(NSRunLoop currentRunLoop() = "<NSRunLoop>")",
                     R"(NSDate dateWithTimeIntervalSinceNow:(0.5) = 0.5)",
                     R"(<NSRunLoop> runUntilDate:(0.5))",
-                })));
+                }));
 }
 
 TEST_F(Vibration, RestoredWritesTheSavedSettingsAnnouncesThemAndTurnsTheRunLoop) {
@@ -83,7 +83,7 @@ TEST_F(Vibration, RestoredWritesTheSavedSettingsAnnouncesThemAndTurnsTheRunLoop)
     restore();
     const std::string path = std::string{"\""} + springBoardPreferencesPath + "\"";
     EXPECT_THAT(phone.calls(),
-                ElementsAreArray(reported({
+                ElementsAreArray(Calls{
                     "NSMutableDictionary dictionaryWithContentsOfFile:(" + path +
                         R"() = "<NSMutableDictionary: 2 entries>")",
                     R"(NSNumber numberWithBool:(true) = true)",
@@ -98,7 +98,7 @@ TEST_F(Vibration, RestoredWritesTheSavedSettingsAnnouncesThemAndTurnsTheRunLoop)
                     R"(NSRunLoop currentRunLoop() = "<NSRunLoop>")",
                     R"(NSDate dateWithTimeIntervalSinceNow:(0.5) = 1)",
                     R"(<NSRunLoop> runUntilDate:(1))",
-                })));
+                }));
 }
 
 TEST_F(Vibration, OfAFileWithNeitherKeyIsTakenForYesAndMaterialised) {
@@ -315,12 +315,12 @@ TEST_F(Announcements, OfAPreferenceGoThroughTheLibraryLoadedAtRunTime) {
     updatePref("ring-vibrate");
     const std::string path = std::string{"\""} + graphicsServicesPath + "\"";
     EXPECT_THAT(phone.calls(),
-                ElementsAreArray(reported({
+                ElementsAreArray(Calls{
                     "dlopen(" + path + ", 1) = true",
                     R"(dlsym("<library>", "GSSendAppPreferencesChanged") = true)",
                     R"(GSSendAppPreferencesChanged("com.apple.springboard", "ring-vibrate"))",
                     R"(dlclose("<library>") = 0)",
-                })));
+                }));
     EXPECT_EQ(phone.device().openLibraries, 0);
 }
 
@@ -328,9 +328,8 @@ TEST_F(Announcements, OfAPreferenceDoNothingWithoutTheLibrary) {
     phone.remove(graphicsServicesPath);
     phone.log().clear();
     updatePref("ring-vibrate");
-    EXPECT_THAT(phone.calls(),
-                ElementsAreArray(reported(
-                    {std::string{"dlopen(\""} + graphicsServicesPath + "\", 1) = false"})));
+    EXPECT_THAT(phone.calls(), ElementsAreArray(Calls{std::string{"dlopen(\""} +
+                                                      graphicsServicesPath + "\", 1) = false"}));
 }
 
 TEST_F(Announcements, OfAPreferencePassAnyKeyOn) {
@@ -348,11 +347,11 @@ TEST_F(Announcements, AtTheDarwinCentreArePostedOnSpringBoardsBehalf) {
     const std::uint32_t posts = phone.posts("a.name");
     phone.exported<void(CFStringRef)>("notifyDarwinCenter")(NSString("a.name"));
     EXPECT_THAT(phone.calls(),
-                ElementsAreArray(reported({
+                ElementsAreArray(Calls{
                     R"(CFNotificationCenterGetDarwinNotifyCenter() = "<CFNotificationCenter>")",
                     R"(CFNotificationCenterPostNotification("<CFNotificationCenter>", "a.name", )"
                     R"("com.apple.springboard", null, true))",
-                })));
+                }));
     EXPECT_EQ(phone.posts("a.name"), posts + 1);
 }
 

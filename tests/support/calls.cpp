@@ -7,8 +7,6 @@
 #include <concepts>
 #include <iterator>
 
-#include "tests/support/under_test.h"
-
 namespace quillet::test {
 
 using standin::TraceRecord;
@@ -32,27 +30,20 @@ struct Render {
     std::string operator()(const std::string& text) const { return '"' + text + '"'; }
 };
 
-/// The receiver, if there is one, and the operation.
-std::string callOf(const TraceRecord& record) {
-    return (record.receiver.empty() ? "" : record.receiver + " ") + record.operation;
-}
-
 /// A record whose arguments `argument` writes, each by its index.
 template <class Argument>
 std::string lineOf(const TraceRecord& record, Argument argument) {
-    std::string line = callOf(record) + "(";
+    std::string line =
+        (record.receiver.empty() ? "" : record.receiver + " ") + record.operation + "(";
     for (std::size_t i = 0; i < record.arguments.size(); ++i) {
         line += (i == 0 ? "" : ", ") + argument(i);
     }
     return line + ")" + (record.result ? " = " + render(*record.result) : "");
 }
 
-/// What a line says up to the arguments.
-std::string callOf(const std::string& line) { return line.substr(0, line.find('(')); }
-
 /// The operation that a line is about.
 std::string operationOf(const std::string& line) {
-    const std::string call = callOf(line);
+    const std::string call = line.substr(0, line.find('('));
     return call.substr(call.rfind(' ') + 1);
 }
 
@@ -84,7 +75,6 @@ std::string CallLog::argument(const TraceRecord& record, std::size_t index) {
 }
 
 void CallLog::add(const TraceRecord& record) {
-    if (!isReported(callOf(record))) return;
     calls_.push_back(lineOf(record, [&](std::size_t index) { return argument(record, index); }));
     times_.push_back(record.time);
 }
@@ -93,13 +83,6 @@ void CallLog::clear() {
     calls_.clear();
     times_.clear();
     tokens_.clear();
-}
-
-Calls reported(const Calls& expected) {
-    Calls lines;
-    std::ranges::copy_if(expected, std::back_inserter(lines),
-                         [](const std::string& line) { return isReported(callOf(line)); });
-    return lines;
 }
 
 Calls only(const Calls& calls, const std::vector<std::string>& operations) {

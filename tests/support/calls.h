@@ -10,8 +10,7 @@
 namespace quillet::test {
 
 /// Platform operations as lines such as `<SBMediaController> setRingerMuted:(true)`,
-/// `notify_post("a.name") = 0`, in order. Operations that the platform under test does not report
-/// are left out.
+/// `notify_post("a.name") = 0`, in order.
 using Calls = std::vector<std::string>;
 
 /// A value as it stands in such a line. A real number has as few digits as its precision, single
@@ -38,9 +37,6 @@ private:
     std::vector<double> times_;
     std::map<std::int64_t, std::string> tokens_;
 };
-
-/// `expected` without the lines of operations that the platform under test does not report.
-Calls reported(const Calls& expected);
 
 /// The lines of `calls` whose operation is one of `operations`.
 Calls only(const Calls& calls, const std::vector<std::string>& operations);

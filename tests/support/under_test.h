@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
 
 #include "platform/standin/runtime/module.h"
 
@@ -16,9 +15,5 @@ std::filesystem::path bundleUnderTest();
 
 /// What opens its module.
 standin::OpenModule moduleOpener();
-
-/// Whether the platform that the module was built for reports a call, such as "notify_post" or
-/// "NSMutableDictionary init". Our own platform reports all.
-bool isReported(const std::string& call);
 
 }  // namespace quillet::test

@@ -2,6 +2,9 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
+
+#include "platform/bundle.h"
 #include "prefs/prefs_loader.h"
 #include "tests/support/phone.h"
 #include "tests/support/under_test.h"
@@ -34,6 +37,16 @@ TEST(ElfLoading, StoresThePreferencesBeforeItObserves) {
         {"CFNotificationCenterAddObserver", true},
     };
     EXPECT_EQ(stored, expected);
+}
+
+TEST(PreferencesClass, IsOfTheModuleAndStandsInFrontOfItsObjectsFlags) {
+    Phone phone;
+    void* word = nullptr;
+    std::memcpy(&word, &phone.preferences(), sizeof word);
+    ASSERT_NE(word, nullptr) << "no constructor may touch it";
+    EXPECT_EQ(standin::instanceOf(word)->description(), "PrefsLoader");
+    const NSString identifier = NSBundle::bundleForClass(Class{word}).bundleIdentifier();
+    EXPECT_EQ(standin::text(identifier), switchIdentifier);
 }
 
 }  // namespace

@@ -7,6 +7,4 @@ std::filesystem::path bundleUnderTest() { return QUILLET_BUNDLE; }
 
 standin::OpenModule moduleOpener() { return standin::openSharedObject; }
 
-bool isReported(const std::string& /*call*/) { return true; }
-
 }  // namespace quillet::test

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <string_view>
 #include <utility>
 
@@ -12,12 +11,6 @@
 #include "prefs/prefs_loader.h"
 #include "tests/platforms/gnustep/host.h"
 #include "tests/platforms/gnustep/values.h"
-
-/// What the switch framework sends a switch.
-@interface NSObject (QuilletSwitch)
-- (quillet::FSSwitchState)stateForSwitchIdentifier:(NSString*)identifier;
-- (void)applyState:(quillet::FSSwitchState)state forSwitchIdentifier:(NSString*)identifier;
-@end
 
 namespace quillet::gnustep {
 
@@ -113,7 +106,7 @@ public:
 /// each further device all that it remembers is made as it was then, and its class is sent `load`.
 void loadAgain(::Class cls) {
     auto& preferences = *exported<PrefsLoader*>("_prefsLoader");
-    std::free(preferences);
+    [reinterpret_cast<id>(preferences) release];
     preferences = nullptr;
     *exported<BOOL>("GLOBAL_vibrateWhenRinging") = 0;
     *exported<BOOL>("GLOBAL_vibrateWhenSilent") = 0;

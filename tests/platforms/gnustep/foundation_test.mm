@@ -98,6 +98,15 @@ TEST_F(Counting, AFlipWithoutAReadableFileLeavesNoCountBehind) {
     }
 }
 
+TEST_F(Counting, AFlipWithoutAFileLeavesNoCountBehind) {
+    const int held = gnustep::countsHeld();
+    for (const std::int32_t state : {0, 1}) {
+        phone_.remove(preferencesPath);
+        phone_.apply(state);
+        EXPECT_EQ(gnustep::countsHeld(), held) << state;
+    }
+}
+
 TEST_F(Counting, FlipsLeaveNoObjectBehind) {
     GSDebugAllocationActive(true);
     phone_.apply(0);
@@ -105,6 +114,11 @@ TEST_F(Counting, FlipsLeaveNoObjectBehind) {
     const int live = liveObjects();
     for (int flip = 0; flip < 20; ++flip) phone_.apply(flip % 2);
     EXPECT_EQ(liveObjects(), live);
+    for (int flip = 0; flip < 20; ++flip) {
+        phone_.remove(preferencesPath);
+        phone_.apply(flip % 2);
+    }
+    EXPECT_EQ(liveObjects(), live) << "without a file";
     GSDebugAllocationActive(false);
 }
 

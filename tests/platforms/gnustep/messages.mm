@@ -33,6 +33,17 @@ void release(id self, SEL /*selector*/) {
     [self release];
 }
 
+id baseInit(id self, SEL selector) {
+    standin::Device::current().trace.call("<NSObject>", sel_getName(selector));
+    return [::NSObject instanceMethodForSelector:selector](self, selector);
+}
+
+/// The bundle asks for the base class's `init`, and then calls it as a function.
+IMP instanceMethodForSelector(id self, SEL /*selector*/, SEL asked) {
+    return sel_isEqual(asked, @selector(init)) ? method(baseInit)
+                                               : [self instanceMethodForSelector:asked];
+}
+
 BOOL respondsToSelector(id self, SEL selector, SEL asked) {
     const BOOL answer = [self respondsToSelector:asked];
     answered(answer != NO, receiver(self), selector, sel_getName(asked));
@@ -99,6 +110,7 @@ std::vector<Observed> objectMessages() {
         {"alloc", method(alloc)},
         {"retain", method(retain)},
         {"release", method(release)},
+        {"instanceMethodForSelector:", method(instanceMethodForSelector)},
         {"respondsToSelector:", method(respondsToSelector)},
         {"boolValue", method(boolValue)},
         {"floatValue", method(floatValue)},

@@ -3,11 +3,18 @@
 
 #include <string>
 
+#include "platform/flipswitch.h"
 #include "platform/standin/device/device.h"
 #include "platform/standin/runtime/instances.h"
 
 // After the platform's headers, whose YES and NO are macros here.
 #import <Foundation/Foundation.h>
+
+/// What the switch framework sends a switch.
+@interface NSObject (QuilletSwitch)
+- (quillet::FSSwitchState)stateForSwitchIdentifier:(NSString*)identifier;
+- (void)applyState:(quillet::FSSwitchState)state forSwitchIdentifier:(NSString*)identifier;
+@end
 
 namespace quillet::gnustep {
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/springboard_classes.h"
 #include "platform/standin/device/device.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
@@ -17,6 +18,7 @@
 #include "tests/platforms/macho/loader/image.h"
 #include "tests/platforms/macho/loader/imports.h"
 #include "tests/platforms/macho/loader/module.h"
+#include "tests/platforms/macho/loader/runtime.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::macho {
@@ -169,6 +171,16 @@ TEST(Loader, EndsTheProcessAtAnUnknownMessage) {
     Altered altered{changed("defaultManager", "defaultManagor")};
     altered.load();
     EXPECT_DEATH(altered.turnOff(), "unknown message: \\+\\[NSFileManager defaultManagor\\]");
+}
+
+TEST(Loader, EndsTheProcessWhenAnInstanceIsSentWhatItsVariantLacks) {
+    Altered altered{moduleFile()};
+    altered.load();
+    altered.device().host.indicator = standin::Host::Indicator::deafInstance;
+    const Id instance =
+        sendMessage<Id>(SBRingerHUDController::classInHost().instance(), "sharedInstance");
+    EXPECT_DEATH(sendMessage<void>(instance, "activate:", 1),
+                 "<SBRingerHUDController>: unrecognized selector \"activate:\"");
 }
 
 TEST(Loader, FindsWhatTheModuleExportsByItsFullNameOnly) {

@@ -35,10 +35,13 @@ protected:
     LoadedClass loaded_{{.name = "Echo",
                          .address = &classObject_,
                          .superclass = platformClass("NSObject"),
+                         .instanceStart = sizeof(void*),
                          .instanceSize = sizeof(void*),
                          .hasLoad = false,
                          .classMethods = {},
-                         .instanceMethods = {{"echo", "", addressOfEcho()}}}};
+                         .instanceMethods = {{"echo", "", addressOfEcho()}},
+                         .fields = {},
+                         .properties = {}}};
     const void* instance_ = &classObject_;
 };
 

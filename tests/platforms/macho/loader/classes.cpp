@@ -2,6 +2,7 @@
 #include "tests/platforms/macho/loader/classes.h"
 
 #include <algorithm>
+#include <span>
 
 #include "platform/standin/runtime/module.h"
 
@@ -29,9 +30,14 @@ struct ClassData {
     const void* instanceLayout;
     const void* name;
     const void* methods;
+    const void* protocols;
+    const void* fields;
+    const void* weakLayout;
+    const void* properties;
 };
 
-struct MethodList {
+/// Of methods, fields or properties.
+struct List {
     /// The record's size; bits beside it mark other forms of the list.
     std::uint32_t entrySize;
     std::uint32_t count;
@@ -43,26 +49,61 @@ struct MethodRecord {
     const void* code;
 };
 
+struct FieldRecord {
+    const void* offset;
+    const void* name;
+    const void* type;
+    std::uint32_t alignment;
+    std::uint32_t size;
+};
+
+struct PropertyRecord {
+    const void* name;
+    const void* attributes;
+};
+
 /// "v28@0:8i16@20" with the places, which differ between processors, left out.
 std::string withoutPlaces(std::string types) {
     std::erase_if(types, [](char c) { return c >= '0' && c <= '9'; });
     return types;
 }
 
+/// What the list at `place` holds; nothing when `place` is null.
+template <class Record>
+std::span<const Record> readList(const Image& image, const void* place) {
+    if (place == nullptr) return {};
+    const auto list = image.value<List>(place);
+    if (list.entrySize != sizeof(Record)) {
+        throw standin::BundleError("not supported: a class's lists of another form");
+    }
+    return image.values<Record>(static_cast<const std::byte*>(place) + sizeof list, list.count);
+}
+
 std::vector<Method> readMethods(const Image& image, const void* place) {
     std::vector<Method> methods;
-    if (place == nullptr) return methods;
-    const auto list = image.value<MethodList>(place);
-    if (list.entrySize != sizeof(MethodRecord)) {
-        throw standin::BundleError("not supported: method lists of another form");
-    }
-    const void* const first = static_cast<const std::byte*>(place) + sizeof list;
-    for (const MethodRecord& record : image.values<MethodRecord>(first, list.count)) {
+    for (const MethodRecord& record : readList<MethodRecord>(image, place)) {
         image.value<std::uint8_t>(record.code);  // in the module
         methods.push_back(
             {image.text(record.selector), withoutPlaces(image.text(record.types)), record.code});
     }
     return methods;
+}
+
+std::vector<Field> readFields(const Image& image, const void* place) {
+    std::vector<Field> fields;
+    for (const FieldRecord& record : readList<FieldRecord>(image, place)) {
+        fields.push_back({image.text(record.name), image.text(record.type),
+                          image.value<std::uint32_t>(record.offset), record.size});
+    }
+    return fields;
+}
+
+std::vector<Property> readProperties(const Image& image, const void* place) {
+    std::vector<Property> properties;
+    for (const PropertyRecord& record : readList<PropertyRecord>(image, place)) {
+        properties.push_back({image.text(record.name), image.text(record.attributes)});
+    }
+    return properties;
 }
 
 const ClassData& dataOf(const Image& image, const ClassObject& object) {
@@ -82,10 +123,13 @@ ModuleClass readClass(const Image& image, const void* place) {
     return {.name = image.text(data.name),
             .address = place,
             .superclass = object.superclass,
+            .instanceStart = data.instanceStart,
             .instanceSize = data.instanceSize,
             .hasLoad = false,
             .classMethods = readMethods(image, metaclassData.methods),
-            .instanceMethods = readMethods(image, data.methods)};
+            .instanceMethods = readMethods(image, data.methods),
+            .fields = readFields(image, data.fields),
+            .properties = readProperties(image, data.properties)};
 }
 
 }  // namespace

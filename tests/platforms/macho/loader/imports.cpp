@@ -15,7 +15,6 @@
 #include "platform/notification_center.h"
 #include "platform/notify.h"
 #include "platform/springboard_classes.h"
-#include "platform/standin/device/device.h"
 #include "platform/standin/runtime/instances.h"
 #include "platform/system.h"
 #include "tests/platforms/macho/loader/runtime.h"
@@ -68,12 +67,6 @@ int respondsToSelector(Id object, Selector selector) {
     return object != nullptr && standin::instanceOf(object)->respondsToSelector(selector) ? 1 : 0;
 }
 
-// As for the stand-in's own NSObject, the process keeps its objects' storage.
-void* allocate(std::size_t count, std::size_t size) {
-    return standin::Device::current().storage.allocate(count * size);
-}
-void deallocate(void* /*storage*/) {}
-
 template <class Function>
 const void* code(Function* function) {
     return reinterpret_cast<const void*>(function);
@@ -92,14 +85,12 @@ const std::map<std::string_view, const void*>& names() {
         {"__stack_chk_guard", &stackGuard},
         {"_objc_empty_cache", &emptyMethodCache},
         {"bzero", code(bzero)},
-        {"calloc", code(allocate)},
         {"class_isMetaClass", code(isMetaclass)},
         {"class_respondsToSelector", code(respondsToSelector)},
         {"dlclose", code(__wrap_dlclose)},
         {"dlopen", code(__wrap_dlopen)},
         {"dlsym", code(__wrap_dlsym)},
         {"dyld_stub_binder", code(abortAtLazyBinding)},
-        {"free", code(deallocate)},
         {"memset", code(::memset)},
         {"notify_cancel", code(notify_cancel)},
         {"notify_check", code(notify_check)},
@@ -108,6 +99,7 @@ const std::map<std::string_view, const void*>& names() {
         {"notify_register_check", code(notify_register_check)},
         {"notify_set_state", code(notify_set_state)},
         {"objc_msgSend", code(quilletSendMessage)},
+        {"objc_msgSendSuper2", code(sendToSuper)},
         {"object_getClass", code(classOf)},
         {"sel_registerName", code(registerSelector)},
         {"strstr", code(__wrap_strstr)},

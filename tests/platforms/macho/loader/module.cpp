@@ -29,9 +29,13 @@ public:
         setAddresses(image_, layout_, findImport);
         image_.protect();
         for (ModuleClass& cls : readClasses(image_)) {
-            classes_.push_back(std::make_unique<SwitchClass>(std::move(cls)));
+            if (cls.hasLoad) {
+                switches_.push_back(std::make_unique<SwitchClass>(std::move(cls)));
+            } else {
+                classes_.push_back(std::make_unique<LoadedClass>(std::move(cls)));
+            }
         }
-        for (const auto& cls : classes_) cls->registerWithPlatform();
+        for (const auto& cls : switches_) cls->registerWithPlatform();
     }
 
     void* symbol(const char* name) const override {
@@ -45,7 +49,9 @@ private:
     std::string file_;
     Layout layout_;
     Image image_;
-    std::vector<std::unique_ptr<SwitchClass>> classes_;
+    /// Of the classes, those that ask for `load`, and the others.
+    std::vector<std::unique_ptr<SwitchClass>> switches_;
+    std::vector<std::unique_ptr<LoadedClass>> classes_;
 };
 
 }  // namespace

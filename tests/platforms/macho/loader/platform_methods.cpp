@@ -106,6 +106,13 @@ const Methods dictionaryMethods = {
      })},
 };
 
+/// A host variant's instance may lack the message: it ends the process like any unknown one.
+void activate(Id self, Selector selector, int state) {
+    const standin::Instance& receiver = *standin::instanceOf(self);
+    if (!receiver.respondsToSelector(selector)) standin::unrecognizedSelector(receiver, selector);
+    as<SBRingerHUDController>(self).activate(state);
+}
+
 const Methods hostMethods = {
     {"+[FSSwitchPanel sharedPanel]",
      code(+[](Id, Selector) { return autoreleased(FSSwitchPanel::sharedPanel()); })},
@@ -128,8 +135,7 @@ const Methods hostMethods = {
      })},
     {"+[SBRingerHUDController activate:]",
      code(+[](Id self, Selector, int state) { as<SBRingerHUDController>(self).activate(state); })},
-    {"-[SBRingerHUDController activate:]",
-     code(+[](Id self, Selector, int state) { as<SBRingerHUDController>(self).activate(state); })},
+    {"-[SBRingerHUDController activate:]", code(activate)},
     {"+[SBMediaController sharedInstance]", code(+[](Id self, Selector) {
          return autoreleased(as<SBMediaController>(self).sharedInstance());
      })},
@@ -142,8 +148,17 @@ int respondsToSelector(Id self, Selector, Selector asked) {
     return as<Object>(self).respondsToSelector(asked);
 }
 
-/// NSObject is above every class; PlatformObject above those of the objects that the stand-in has.
+/// The base class of the stand-in, in the storage of an object of the module.
+struct Base : NSObject {};
+
+/// NSObject is above every class, PlatformObject above those of the objects that the stand-in has,
+/// ModuleObject above those of the module.
 const Methods commonMethods = {
+    {"+[ModuleObject alloc]", code(+[](Id self, Selector) { return loadedClass(self)->alloc(); })},
+    {"+[NSObject instanceMethodForSelector:]",
+     code(+[](Id self, Selector, Selector asked) { return platformInstanceMethod(self, asked); })},
+    {"-[NSObject init]", code(+[](Id self, Selector) { return static_cast<Id>(new (self) Base); })},
+    {"-[NSObject dealloc]", code(+[](Id self, Selector) { classOfInstance(self)->dealloc(self); })},
     {"+[NSObject class]", code(+[](Id self, Selector) { return self; })},
     {"+[NSObject retain]", code(+[](Id self, Selector) { return retain(self); })},
     {"-[NSObject retain]", code(+[](Id self, Selector) { return retain(self); })},

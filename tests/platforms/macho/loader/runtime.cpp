@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <utility>
@@ -52,7 +53,7 @@ std::vector<Object>& pooled() {
 bool isInstance(const void* object) {
     const void* const kind = kindOf(object);
     return kind != &metaclass && kind != &allocated && loadedClass(object) == nullptr &&
-           loadedClass(kind) == nullptr;
+           classOfInstance(object) == nullptr;
 }
 
 /// How an object's methods are named in the table of platform_methods.h.
@@ -85,14 +86,20 @@ Receiver describe(const void* object) {
         return {'-', {"allocated " + allocation.cls->name}};
     }
     if (const LoadedClass* const cls = loadedClass(object))
-        return {'+', {cls->cls.name, "NSObject"}};
-    if (const LoadedClass* const cls = loadedClass(kind)) return {'-', {cls->cls.name, "NSObject"}};
+        return {'+', {cls->cls.name, "ModuleObject", "NSObject"}};
+    if (const LoadedClass* const cls = classOfInstance(object))
+        return {'-', {cls->cls.name, "ModuleObject", "NSObject"}};
     return describeInstance(*standin::instanceOf(object));
+}
+
+[[noreturn]] void unknownMessage(char sign, const std::string& cls, Selector selector) {
+    std::fprintf(stderr, "unknown message: %c[%s %s]\n", sign, cls.c_str(), selector);
+    std::abort();
 }
 
 const void* moduleMethod(const void* object, Selector selector) {
     const LoadedClass* const ofClass = loadedClass(object);
-    const LoadedClass* const ofInstance = loadedClass(kindOf(object));
+    const LoadedClass* const ofInstance = classOfInstance(object);
     const Method* method = nullptr;
     if (ofClass != nullptr) method = find(ofClass->cls.classMethods, selector);
     if (ofInstance != nullptr) method = find(ofInstance->cls.instanceMethods, selector);
@@ -108,9 +115,23 @@ extern "C" const void* quilletFindMethod(const void* object, Selector selector) 
     for (const std::string& cls : receiver.classes) {
         if (const void* const code = platformMethod(receiver.sign, cls, selector)) return code;
     }
-    std::fprintf(stderr, "unknown message: %c[%s %s]\n", receiver.sign,
-                 receiver.classes.front().c_str(), selector);
-    std::abort();
+    unknownMessage(receiver.sign, receiver.classes.front(), selector);
+}
+
+Id sendToSuper(const Super* super, Selector selector) {
+    // The class above is the platform's: nothing else is loaded.
+    using Message = Id (*)(Id, Selector);
+    const Id superclass = const_cast<Id>(loadedClass(super->cls)->cls.superclass);
+    const auto message =
+        reinterpret_cast<Message>(const_cast<void*>(platformInstanceMethod(superclass, selector)));
+    return message(super->receiver, selector);
+}
+
+const void* platformInstanceMethod(Id platformClass, Selector selector) {
+    const std::string& name = static_cast<const PlatformClass*>(platformClass)->name;
+    const void* const code = platformMethod('-', name, selector);
+    if (code == nullptr) unknownMessage('-', name, selector);
+    return code;
 }
 
 LoadedClass::LoadedClass(ModuleClass moduleClass) : cls{std::move(moduleClass)} {
@@ -122,11 +143,25 @@ LoadedClass::LoadedClass(ModuleClass moduleClass) : cls{std::move(moduleClass)} 
 
 LoadedClass::~LoadedClass() { std::erase(loadedClasses(), this); }
 
+Id LoadedClass::alloc() {
+    auto storage = std::make_unique<std::byte[]>(cls.instanceSize);
+    std::memcpy(storage.get(), &cls.address, sizeof cls.address);
+    const Id instance = storage.get();
+    instances_[instance] = {.storage = std::move(storage)};
+    return instance;
+}
+
+void LoadedClass::release(Id instance) {
+    if (--instances_.at(instance).count == 0) sendMessage<void>(instance, "dealloc");
+}
+
 LoadedClass* loadedClass(const void* address) {
     const auto found = std::ranges::find(loadedClasses(), address,
                                          [](const LoadedClass* cls) { return cls->cls.address; });
     return found == loadedClasses().end() ? nullptr : *found;
 }
+
+LoadedClass* classOfInstance(const void* object) { return loadedClass(kindOf(object)); }
 
 Id platformClass(const std::string& name) {
     static std::map<std::string, PlatformClass> classes;
@@ -158,6 +193,7 @@ Id owned(const Object& reference) {
 }
 
 Id retain(Id object) {
+    if (LoadedClass* const cls = classOfInstance(object)) cls->retain(object);
     if (!isInstance(object)) return object;
     standin::instanceOf(object)->retain();
     const auto held = std::ranges::find(pooled(), object, &Object::instance);
@@ -166,6 +202,7 @@ Id retain(Id object) {
 }
 
 void release(Id object) {
+    if (LoadedClass* const cls = classOfInstance(object)) return cls->release(object);
     if (isInstance(object)) standin::instanceOf(object)->release();
 }
 

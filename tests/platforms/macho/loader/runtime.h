@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,13 +29,33 @@ public:
     LoadedClass(const LoadedClass&) = delete;
     LoadedClass& operator=(const LoadedClass&) = delete;
 
+    /// A new instance, with one count: its fields, all zero, behind the address of its class.
+    Id alloc();
+    /// Counts up or down an instance that `alloc` gave. At its last release it is sent `dealloc`.
+    void retain(Id instance) { ++instances_.at(instance).count; }
+    void release(Id instance);
+    /// Frees the instance.
+    void dealloc(Id instance) { instances_.erase(instance); }
+    std::size_t live() const { return instances_.size(); }
+
     const ModuleClass cls;
     /// The class object in the stand-in, which registerClass gave.
     void* registered = nullptr;
+
+private:
+    struct Allocated {
+        std::unique_ptr<std::byte[]> storage;
+        int count = 1;
+    };
+
+    std::map<Id, Allocated> instances_;
 };
 
 /// The loaded class whose class object is at `address`, or null.
 LoadedClass* loadedClass(const void* address);
+
+/// The class of an instance of one of the module's classes; null for any other object.
+LoadedClass* classOfInstance(const void* object);
 
 /// The class object that stands for a platform's class, or null when the runtime has none by that
 /// name.
@@ -71,6 +93,20 @@ void release(Id object);
 
 /// Calls the implementation of a message; nil answers 0, in every kind of register.
 extern "C" void quilletSendMessage();
+
+/// What a method hands over to send a message to its superclass.
+struct Super {
+    Id receiver;
+    /// That of the method.
+    const void* cls;
+};
+
+/// Calls the superclass's implementation of a message that has no arguments.
+Id sendToSuper(const Super* super, Selector selector);
+
+/// The code of the platform's own method for `selector` of an instance of `platformClass`. Ends the
+/// process when there is none.
+const void* platformInstanceMethod(Id platformClass, Selector selector);
 
 /// Sends a message from outside the module.
 template <class Answer, class... Arguments>

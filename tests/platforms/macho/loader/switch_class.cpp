@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/platforms/macho/loader/switch_class.h"
 
-#include <cstring>
 #include <string>
 #include <utility>
 
@@ -45,20 +44,16 @@ void sendLoad() {
 
 }  // namespace
 
-SwitchClass::SwitchClass(ModuleClass cls)
-    : loaded_{std::move(cls)}, instance_{std::make_unique<std::byte[]>(loaded_.cls.instanceSize)} {
+SwitchClass::SwitchClass(ModuleClass cls) : loaded_{std::move(cls)}, instance_{loaded_.alloc()} {
     for (const Method& method : loaded_.cls.instanceMethods) {
         require(isForwarded(method), loaded_.cls, method);
     }
     for (const Method& method : loaded_.cls.classMethods) {
         require(isLoad(method), loaded_.cls, method);
     }
-    // An instance is its fields, all zero, behind the address of its class.
-    std::memcpy(instance_.get(), &loaded_.cls.address, sizeof loaded_.cls.address);
 }
 
 void SwitchClass::registerWithPlatform() {
-    if (!loaded_.cls.hasLoad) return;
     classBeingLoaded = &loaded_.cls;
     loaded_.registered = standin::registerClass({loaded_.cls.name.c_str(), sendLoad, this});
 }
@@ -66,7 +61,7 @@ void SwitchClass::registerWithPlatform() {
 FSSwitchState SwitchClass::stateForSwitchIdentifier(NSString identifier) {
     if (!has(stateSelector)) return FSSwitchDataSource::stateForSwitchIdentifier(identifier);
     const Pool pool;
-    return sendMessage<FSSwitchState>(instance_.get(), stateSelector, identifier.instance());
+    return sendMessage<FSSwitchState>(instance_, stateSelector, identifier.instance());
 }
 
 void SwitchClass::applyState(FSSwitchState state, NSString forSwitchIdentifier) {
@@ -74,7 +69,7 @@ void SwitchClass::applyState(FSSwitchState state, NSString forSwitchIdentifier) 
         return FSSwitchDataSource::applyState(state, forSwitchIdentifier);
     }
     const Pool pool;
-    sendMessage<void>(instance_.get(), applySelector, state, forSwitchIdentifier.instance());
+    sendMessage<void>(instance_, applySelector, state, forSwitchIdentifier.instance());
 }
 
 bool SwitchClass::has(Selector selector) const {
