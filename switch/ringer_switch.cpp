@@ -29,6 +29,11 @@ void ringerStateChanged(CFNotificationCenterRef /*center*/, void* /*observer*/,
     panel.stateDidChangeForSwitchIdentifier(bundle.bundleIdentifier());
 }
 
+/// The nil rule for the one object that is a plain pointer: null answers NO.
+BOOL ask(BOOL (PrefsLoader::*choice)() const) {
+    return _prefsLoader != nullptr ? (_prefsLoader->*choice)() : NO;
+}
+
 /// The indicator and the mute, whichever of them the host has.
 void showAndMute(BOOL ringerOn) {
     const auto media = SBMediaController::classInHost();
@@ -64,13 +69,13 @@ FSSwitchState RingerSwitch::stateForSwitchIdentifier(NSString /*identifier*/) {
 
 void RingerSwitch::applyState(FSSwitchState state, NSString /*forSwitchIdentifier*/) {
     if (state == FSSwitchStateIndeterminate) return;
-    _prefsLoader->loadPreferences();
+    if (_prefsLoader != nullptr) _prefsLoader->loadPreferences();
 
     int token = NOTIFY_TOKEN_INVALID;
     // Meant: no cancel on this path, unlike in stateForSwitchIdentifier.
     if (notify_register_check(ringerStateName, &token) != NOTIFY_STATUS_OK) return;
 
-    if (!_prefsLoader->defaultVibrationPattern()) turnSpringBoardVibrationOff();
+    if (!ask(&PrefsLoader::defaultVibrationPattern)) turnSpringBoardVibrationOff();
 
     // Meant: a value with no name is not stored, but it is posted and turns the ringer on.
     if (state == FSSwitchStateOff) notify_set_state(token, 0);
@@ -84,9 +89,9 @@ void RingerSwitch::applyState(FSSwitchState state, NSString /*forSwitchIdentifie
     const BOOL ringerOn = state != FSSwitchStateOff;
     showAndMute(ringerOn);
 
-    if (!_prefsLoader->defaultVibrationPattern()) {
+    if (!ask(&PrefsLoader::defaultVibrationPattern)) {
         restoreSpringBoardVibration();
-        if (ringerOn ? _prefsLoader->vibrateWhenOn() : _prefsLoader->vibrateWhenOff()) {
+        if (ask(ringerOn ? &PrefsLoader::vibrateWhenOn : &PrefsLoader::vibrateWhenOff)) {
             AudioServicesPlaySystemSound(kSystemSoundID_Vibrate);
         }
     }

@@ -280,6 +280,30 @@ TEST(ApplyState, ReadsTheModelTwiceAndAfreshWhateverTheState) {
     }
 }
 
+TEST(ApplyState, WithoutAPreferencesObjectTakesNoForEveryChoice) {
+    for (const std::int32_t state : {0, 1}) {
+        Phone phone;
+        phone.write(preferencesPath, ownVibration(true, true));
+        *phone.exported<PrefsLoader*>("_prefsLoader") = nullptr;
+        phone.log().clear();
+        phone.apply(state);
+        EXPECT_EQ(only(phone.calls(), {"dictionaryWithContentsOfFile:"}).size(), 2U)
+            << "SpringBoard's file, off and on again";
+        EXPECT_EQ(only(phone.calls(), {"runUntilDate:"}).size(), 2U);
+        EXPECT_EQ(phone.stateWord(), static_cast<std::uint64_t>(state));
+        EXPECT_EQ(vibrations(phone), 0U);
+    }
+}
+
+TEST(ApplyState, EndsTheProcessWhenASecondControllerCannotMute) {
+    Phone phone;
+    phone.device().trace.setSink([&](const standin::TraceRecord& record) {
+        if (record.operation != "respondsToSelector:" || record.receiver[0] != '<') return;
+        phone.device().host.media = HostVariant::Media::deaf;
+    });
+    EXPECT_DEATH(phone.apply(1), "setRingerMuted:");
+}
+
 TEST(ApplyState, OffOnAnIPodSavesTheVolumeAfterThePostAndBeforeTheIndicator) {
     Phone phone{{.machine = "iPod5,1"}};
     phone.device().hardware.setVolume("Ringtone", 0.6F);

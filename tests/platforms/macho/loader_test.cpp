@@ -176,7 +176,7 @@ TEST(Loader, EndsTheProcessAtAnUnknownMessage) {
 TEST(Loader, EndsTheProcessWhenAnInstanceIsSentWhatItsVariantLacks) {
     Altered altered{moduleFile()};
     altered.load();
-    altered.device().host.indicator = standin::Host::Indicator::deafInstance;
+    altered.device().host.indicator = standin::HostVariant::Indicator::deaf;
     const Id instance =
         sendMessage<Id>(SBRingerHUDController::classInHost().instance(), "sharedInstance");
     EXPECT_DEATH(sendMessage<void>(instance, "activate:", 1),
