@@ -2,6 +2,7 @@
 #include "packaging/ios/link/encodings.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "packaging/ios/link/bytes.h"
 #include "packaging/ios/link/mach_o.h"
@@ -62,7 +63,9 @@ std::string rebaseProgram(std::uint32_t segment, const std::vector<std::uint32_t
 }
 
 std::string bindProgram(std::uint32_t segment, std::vector<Bind> binds) {
-    std::ranges::sort(binds);
+    std::ranges::sort(binds, {}, [](const Bind& bind) {
+        return std::tie(bind.library, bind.symbol, bind.offset);
+    });
     std::string program{operation(bindSetType, typePointer)};
     const Bind* last = nullptr;
     for (const Bind& bind : binds) {
@@ -91,7 +94,8 @@ std::string exportTrie(const std::map<std::string, std::uint32_t>& exports) {
     if (exports.size() > 0xFF) refuse("more exports than a node has edges");
     // The root's size depends on what stands in it, and the other way round.
     for (std::uint32_t rootSize = 0;;) {
-        std::string root{'\0', static_cast<char>(exports.size())}, leaves;
+        std::string root{'\0', static_cast<char>(exports.size())};
+        std::string leaves;
         for (auto one = exports.rbegin(); one != exports.rend(); ++one) {
             const std::string terminal = uleb(0) + uleb(one->second);
             root += one->first + '\0' + uleb(rootSize + sizeOf(leaves));

@@ -25,8 +25,6 @@ struct Bind {
     bool isWeak;
     /// From the start of the segment.
     std::uint32_t offset;
-
-    auto operator<=>(const Bind&) const = default;
 };
 
 /// The program that adds the module's place to pointers in one segment. The offsets are from its

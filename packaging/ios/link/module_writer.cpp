@@ -124,7 +124,8 @@ private:
                                     {},
                                     {},
                                     linkEdit_.exports});
-        const std::uint32_t defined = linkEdit_.definedCount, undefined = linkEdit_.undefinedCount;
+        const std::uint32_t defined = linkEdit_.definedCount;
+        const std::uint32_t undefined = linkEdit_.undefinedCount;
         add(mach_o::SymbolsCommand{
             {Command::symbols, 0}, linkEdit_.symbols.offset, defined + undefined, linkEdit_.names});
         mach_o::DynamicSymbolsCommand command = {};
