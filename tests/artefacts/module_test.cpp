@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <map>
+#include <regex>
 
 #include "tests/artefacts/built.h"
 
@@ -47,6 +48,20 @@ class Module : public testing::TestWithParam<std::string> {
 protected:
     static std::string objdump(const std::string& options) {
         return textOf("llvm-objdump-14 --macho " + options + " " + builtModule(GetParam()));
+    }
+
+    /// What the module says of one of its classes.
+    static std::string metadataOf(const std::string& cls) {
+        const std::string all = objdump("--objc-meta-data");
+        // Each class begins with its place and its address, with no white space before them.
+        const std::regex begin{"\\n[0-9a-f]{16} 0x"};
+        std::string found;
+        for (std::sregex_token_iterator part{all.begin(), all.end(), begin, -1}, end; part != end;
+             ++part) {
+            const std::string text = *part;
+            if (text.find(" " + cls + "\n") != std::string::npos) found += text;
+        }
+        return found;
     }
 
     static std::string names(const std::string& options) {
@@ -124,18 +139,18 @@ TEST_P(Module64, LetsAnExceptionOfTheHostPassThrough) {
 }
 
 TEST_P(Module, BindsTheClassesThatItSendsMessagesToAndNoneOfSpringBoards) {
-    EXPECT_THAT(
-        lastWords(linesWith(objdump("--section=__DATA,__objc_classrefs --bind"),
-                            "__objc_classrefs   0x")),
-        UnorderedElementsAre("_OBJC_CLASS_$_FSSwitchPanel", "_OBJC_CLASS_$_NSBundle",
-                             "_OBJC_CLASS_$_NSDate", "_OBJC_CLASS_$_NSDictionary",
-                             "_OBJC_CLASS_$_NSFileManager", "_OBJC_CLASS_$_NSMutableDictionary",
-                             "_OBJC_CLASS_$_NSNumber", "_OBJC_CLASS_$_NSRunLoop",
-                             "_OBJC_CLASS_$_NSString", "_OBJC_CLASS_$_NSThread", "(weak_import)"));
+    EXPECT_THAT(lastWords(linesWith(objdump("--section=__DATA,__objc_classrefs --bind"),
+                                    "__objc_classrefs   0x")),
+                UnorderedElementsAre(
+                    "_OBJC_CLASS_$_FSSwitchPanel", "_OBJC_CLASS_$_NSBundle", "_OBJC_CLASS_$_NSDate",
+                    "_OBJC_CLASS_$_NSDictionary", "_OBJC_CLASS_$_NSFileManager",
+                    "_OBJC_CLASS_$_NSMutableDictionary", "_OBJC_CLASS_$_NSNumber",
+                    "_OBJC_CLASS_$_NSObject", "_OBJC_CLASS_$_NSRunLoop", "_OBJC_CLASS_$_NSString",
+                    "_OBJC_CLASS_$_NSThread", "(weak_import)"));
 }
 
-TEST_P(Module64, DefinesTheOneClassRingerSwitch) {
-    const std::string metadata = objdump("--objc-meta-data");
+TEST_P(Module64, DefinesTheClassRingerSwitchWithoutFields) {
+    const std::string metadata = metadataOf("RingerSwitch");
     EXPECT_THAT(lastWords(linesWith(metadata, "superclass")),
                 ElementsAre("_OBJC_CLASS_$_NSObject", "_OBJC_METACLASS_$_NSObject"));
     EXPECT_THAT(lastWords(linesWith(metadata, "instanceSize")), ElementsAre("8", "40"));
@@ -148,19 +163,33 @@ TEST_P(Module64, DefinesTheOneClassRingerSwitch) {
 }
 
 TEST_P(Module64, TakesAndAnswersSwitchStatesAs32BitIntegers) {
-    EXPECT_THAT(lastWords(linesWith(objdump("--objc-meta-data"), "types 0x")),
+    EXPECT_THAT(lastWords(linesWith(metadataOf("RingerSwitch"), "types 0x")),
                 ElementsAre("i24@0:8@16", "v28@0:8i16@20", "v16@0:8"));
 }
 
+TEST_P(Module64, DefinesTheClassPrefsLoaderWithThreeFlagsBehindItsFirstWord) {
+    const std::string metadata = metadataOf("PrefsLoader");
+    EXPECT_THAT(lastWords(linesWith(metadata, "superclass")),
+                ElementsAre("_OBJC_CLASS_$_NSObject", "_OBJC_METACLASS_$_NSObject"));
+    EXPECT_THAT(lastWords(linesWith(metadata, "instanceStart")), ElementsAre("8", "40"));
+    EXPECT_THAT(lastWords(linesWith(metadata, "instanceSize")), ElementsAre("11", "40"));
+    EXPECT_THAT(lastWords(linesWith(metadata, "type 0x")), ElementsAre("B", "B", "B"));
+    EXPECT_THAT(
+        lastWords(linesWith(metadata, "attributes 0x")),
+        ElementsAre("TB,VdefaultVibrationPattern", "TB,VvibrateWhenOff", "TB,VvibrateWhenOn"));
+}
+
 // Runtimes before system 10 look for the lists in __DATA only.
-TEST_P(Module, ListsItsClassAsOneWhoseLoadMustRun) {
+TEST_P(Module, ListsTwoClassesOfWhichTheLoadOfOneMustRun) {
     const auto entries = [](const std::string& section) {
         std::vector<std::string> lines = linesWith(objdump("--section=__DATA," + section), "\t");
         for (std::string& line : lines) line.erase(0, line.find('\t'));
         return lines;
     };
-    EXPECT_EQ(entries("__objc_classlist").size(), 1U);
-    EXPECT_EQ(entries("__objc_nlclslist"), entries("__objc_classlist"));
+    const std::string classes = entries("__objc_classlist").at(0);
+    const std::string withLoad = entries("__objc_nlclslist").at(0);
+    EXPECT_EQ(classes.size() - 1, 2 * (withLoad.size() - 1)) << "behind the tab";
+    EXPECT_TRUE(classes.starts_with(withLoad));
 }
 
 // The linker does not merge what several objects say of themselves.

@@ -34,7 +34,7 @@ void release(id self, SEL /*selector*/) {
 }
 
 id baseInit(id self, SEL selector) {
-    standin::Device::current().trace.call("<NSObject>", sel_getName(selector));
+    standin::Device::current().trace.message("<NSObject>", sel_getName(selector));
     return [::NSObject instanceMethodForSelector:selector](self, selector);
 }
 

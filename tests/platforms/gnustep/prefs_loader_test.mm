@@ -115,7 +115,7 @@ TEST(Identifier, IsSentNothing) {
     const id identifier = reinterpret_cast<id>(std::uintptr_t{16});
     asHost([&] {
         const id receiver = [[NSClassFromString(@"RingerSwitch") alloc] init];
-        EXPECT_EQ([receiver stateForSwitchIdentifier:identifier], FSSwitchStateOff);
+        EXPECT_EQ([receiver stateForSwitchIdentifier:identifier], FSSwitchStateOn);
         for (const int state : {-1, 0, 1}) {
             [receiver applyState:static_cast<FSSwitchState>(state) forSwitchIdentifier:identifier];
         }

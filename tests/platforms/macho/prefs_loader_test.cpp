@@ -140,7 +140,7 @@ TEST(Identifier, IsSentNothing) {
     const Id receiver = sendMessage<Id>(cls, "alloc");
     // No object: any message to it ends the process.
     const Id identifier = reinterpret_cast<Id>(std::uintptr_t{16});
-    EXPECT_EQ(sendMessage<int>(receiver, "stateForSwitchIdentifier:", identifier), 0);
+    EXPECT_EQ(sendMessage<int>(receiver, "stateForSwitchIdentifier:", identifier), FSSwitchStateOn);
     for (const int state : {-1, 0, 1}) {
         sendMessage<void>(receiver, "applyState:forSwitchIdentifier:", state, identifier);
     }
