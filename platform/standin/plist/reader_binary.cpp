@@ -59,6 +59,9 @@ std::optional<Trailer> trailerOf(std::string_view file) {
     return trailer;
 }
 
+/// A number that is known to be no larger than the file, which lies in memory.
+std::size_t position(std::uint64_t inFile) { return static_cast<std::size_t>(inFile); }
+
 /// An object's marker byte, split, and what follows it up to the end of all objects.
 struct StoredObject {
     unsigned kind = 0;
@@ -176,12 +179,13 @@ private:
 
     std::optional<StoredObject> objectAt(std::uint64_t reference) const {
         if (reference >= trailer_.objects) return std::nullopt;
-        const std::string_view objects = file_.substr(0, trailer_.offsets);
-        const std::uint64_t entry = trailer_.offsets + reference * trailer_.offsetSize;
+        const std::string_view objects = file_.substr(0, position(trailer_.offsets));
+        const std::size_t entry = position(trailer_.offsets + reference * trailer_.offsetSize);
         const std::uint64_t offset = bigEndian(file_.substr(entry, trailer_.offsetSize));
         if (offset < magic.size() || offset >= objects.size()) return std::nullopt;
-        const unsigned marker = static_cast<unsigned char>(objects[offset]);
-        return StoredObject{marker >> 4, marker & 0x0FU, objects.substr(offset + 1)};
+        const std::string_view object = objects.substr(position(offset));
+        const unsigned marker = static_cast<unsigned char>(object.front());
+        return StoredObject{marker >> 4, marker & 0x0FU, object.substr(1)};
     }
 
     bool step() {
