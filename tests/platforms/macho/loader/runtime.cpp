@@ -64,16 +64,13 @@ struct Receiver {
     std::vector<std::string> classes;
 };
 
-/// From the description that the object has in a trace, such as "<NSMutableDictionary: 4 entries>",
-/// or without the angle brackets for a class.
 Receiver describeInstance(const standin::Instance& instance) {
-    const std::string description = instance.description();
-    if (!description.starts_with('<')) return {'+', {description, "PlatformObject", "NSObject"}};
-    const std::string name = description.substr(1, description.find_first_of(":>") - 1);
-    if (name == "NSMutableDictionary") {
-        return {'-', {name, "NSDictionary", "PlatformObject", "NSObject"}};
-    }
-    return {'-', {name, "PlatformObject", "NSObject"}};
+    Receiver receiver = {instance.isClass() ? '+' : '-', {instance.className()}};
+    if (instance.className() == "NSMutableDictionary")
+        receiver.classes.emplace_back("NSDictionary");
+    receiver.classes.emplace_back("PlatformObject");
+    receiver.classes.emplace_back("NSObject");
+    return receiver;
 }
 
 Receiver describe(const void* object) {
