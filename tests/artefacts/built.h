@@ -25,7 +25,8 @@ std::vector<std::string> linesWith(const std::string& text, const std::string& p
 /// The words in column `column`, counted from 0, of all lines of `text` that have so many.
 std::vector<std::string> column(const std::string& text, size_t column);
 
-/// The folder with the device build, made by script/package at the first call of the process.
+/// The folder with the device build: made by script/package at the first call of the process, or
+/// the one that $QUILLET_IOS_BUILD names.
 const std::string& builtFolder();
 
 /// The module of one architecture, the universal one for an empty `architecture`, or the one for

@@ -11,6 +11,7 @@
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "prefs/prefs_loader.h"
+#include "tests/platforms/macho/device_bundle.h"
 #include "tests/platforms/macho/loader/module.h"
 #include "tests/support/calls.h"
 #include "tests/support/temporary_folder.h"
@@ -36,12 +37,12 @@ struct Case {
 };
 
 struct Build {
-    const char* bundle;
+    std::filesystem::path bundle;
     standin::OpenModule open;
 };
 
-constexpr Build forLinux = {QUILLET_BUNDLE, standin::openSharedObject};
-constexpr Build forDevice = {QUILLET_MACHO_BUNDLE, macho::openMachO};
+const Build forLinux = {QUILLET_BUNDLE, standin::openSharedObject};
+const Build forDevice = {deviceBundle(), macho::openMachO};
 
 using Lines = std::vector<std::string>;
 using Scenario = void (*)(Device&);
