@@ -10,7 +10,7 @@ readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-
 readonly iosPackages=(g++ libssl-dev clang-14 lld-14 llvm-14)
 readonly repositoryPackages=("${iosPackages[@]}" librsvg2-bin xz-utils)
 readonly deviceTestPackages=("${repositoryPackages[@]}" gobjc++ libgnustep-base-dev googletest
-    g++-aarch64-linux-gnu qemu-user)
+    g++-aarch64-linux-gnu g++-arm-linux-gnueabi qemu-user)
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -58,6 +58,7 @@ programOf() {  # package
         llvm-14) echo llvm-lipo-14 ;;
         gobjc++) echo gcc ;;
         g++-aarch64-linux-gnu) echo aarch64-linux-gnu-g++ ;;
+        g++-arm-linux-gnueabi) echo arm-linux-gnueabi-g++ ;;
         qemu-user) echo qemu-aarch64 ;;
         googletest) ;;
         lib* | nlohmann-json3-dev) ;;  # no program: CMake and the compiler tell what they miss

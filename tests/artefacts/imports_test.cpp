@@ -38,7 +38,6 @@ const Lines onEveryProcessor = {
     "GraphicsServices _GSSendAppPreferencesChanged",
     "libSystem ___stack_chk_fail",
     "libSystem ___stack_chk_guard",
-    "libSystem _calloc",
     "libSystem _dlclose",
     "libSystem _dlopen",
     "libSystem _dlsym",
@@ -54,8 +53,10 @@ const Lines onEveryProcessor = {
     "libobjc _OBJC_CLASS_$_NSObject",
     "libobjc _OBJC_METACLASS_$_NSObject",
     "libobjc __objc_empty_cache",
+    "libobjc _class_isMetaClass",
     "libobjc _class_respondsToSelector",
     "libobjc _objc_msgSend",
+    "libobjc _objc_msgSendSuper2",
     "libobjc _object_getClass",
     "libobjc _sel_registerName",
 };
@@ -69,7 +70,7 @@ struct Processor {
 void PrintTo(const Processor& processor, std::ostream* out) { *out << processor.name; }
 
 const std::vector<Processor> processors = {
-    {"armv7", {"libSystem _free", "libSystem _memset"}},
+    {"armv7", {"libSystem _memset"}},
     {"arm64", {"libSystem _bzero", "libSystem dyld_stub_binder"}},
     {"x86_64", {"libSystem _memset", "libSystem dyld_stub_binder"}},
 };

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <span>
@@ -12,6 +13,7 @@
 #include "platform/standin/device/device.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
+#include "tests/platforms/macho/device_bundle.h"
 #include "tests/platforms/macho/loader/classes.h"
 #include "tests/platforms/macho/loader/exports.h"
 #include "tests/platforms/macho/loader/fixups.h"
@@ -27,12 +29,12 @@ namespace {
 using namespace std::string_view_literals;
 using standin::BundleError;
 using standin::Device;
+using ::testing::ContainsRegex;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-std::string moduleFile() {
-    return *standin::readFile(std::filesystem::path{QUILLET_MACHO_BUNDLE} / "Quillet");
-}
+std::string moduleFile() { return *standin::readFile(test::deviceBundle() / "Quillet"); }
 
 /// The module with the first `from` in its file changed to `to`, which is as long.
 std::string changed(std::string_view from, std::string_view to) {
@@ -46,7 +48,7 @@ std::string changed(std::string_view from, std::string_view to) {
 class Altered {
 public:
     explicit Altered(const std::string& module) {
-        std::filesystem::copy(QUILLET_MACHO_BUNDLE, bundle(),
+        std::filesystem::copy(test::deviceBundle(), bundle(),
                               std::filesystem::copy_options::recursive);
         standin::writeFileAtomically(bundle() / "Quillet", module);
     }
@@ -133,12 +135,57 @@ TEST(Loader, StaysInTheModuleWhateverTheFileSays) {
 TEST(Loader, RefusesAModuleForAnotherProcessor) {
     std::string file = moduleFile();
     file[4] = '\x12';
-    EXPECT_THAT(Altered{file}.refusal(), HasSubstr("not supported: processor 0x1000012"));
+    EXPECT_THAT(Altered{file}.refusal(), ContainsRegex("not supported: processor 0x(10000)?12$"));
 }
 
 TEST(Loader, RefusesATableOfAddressesInAnotherFormat) {
     EXPECT_THAT(refusalOf("\x22\0\0\x80\x30\0\0\0"sv, "\x34\0\0\x80\x30\0\0\0"sv),
                 HasSubstr("not supported: load command 0x80000034"));
+}
+
+TEST(Loader, PassesOverALoadCommandThatItNeedNotKnow) {
+    const std::string_view uuid = "\x1B\0\0\0\x18\0\0\0"sv;
+    EXPECT_THAT(refusalOf(uuid, "\x7B\0\0\0\x18\0\0\0"sv), IsEmpty());
+}
+
+TEST(Loader, TakesAnImportFromTheLibraryThatItNamesAndFromNoOther) {
+    const std::string path = "/System/Library/Frameworks/Foundation.framework/Foundation";
+    std::string other = "/usr/lib/libobjc.A.dylib";
+    other.resize(path.size());
+    EXPECT_THAT(refusalOf(path, other),
+                ContainsRegex("unknown import: _.* from /usr/lib/libobjc.A.dylib$"));
+}
+
+TEST(Loader, RefusesALibraryThatTheDeviceLacks) {
+    EXPECT_THAT(refusalOf("/usr/lib/libflipswitch", "/usr/lib/libflapswitch"),
+                HasSubstr("no library /usr/lib/libflapswitch.dylib"));
+}
+
+TEST(Loader, LoadsAModuleWithoutALibraryThatItCanDoWithout) {
+    EXPECT_THAT(refusalOf("Celestial.framework/Celestial", "Celestial.framework/Celestiel"),
+                IsEmpty());
+}
+
+TEST(Loader, RefusesAClassWhoseMetaclassIsMarkedAsAClass) {
+    const bool is64Bit = sizeof(void*) == 8;
+    // The metaclass's flags and the sizes of a class object.
+    const auto metaclass = [&](char flags) {
+        const char size = is64Bit ? '\x28' : '\x14';
+        return std::string{flags, 0, 0, 0, size, 0, 0, 0, size, 0, 0, 0};
+    };
+    EXPECT_THAT(refusalOf(metaclass(1), metaclass(0)),
+                HasSubstr("malformed: a class that is marked as one of another kind"));
+}
+
+TEST(Loader, ReadsWhichProtocolsAClassKeeps) {
+    const std::string file = moduleFile();
+    const Layout layout = readLayout(std::as_bytes(std::span{file}));
+    const Image image{layout};
+    setAddresses(image, layout, findImport);
+    const auto classes = readClasses(image);
+    const auto found = std::ranges::find(classes, "RingerSwitch", &ModuleClass::name);
+    ASSERT_NE(found, classes.end());
+    EXPECT_THAT(found->protocols, ElementsAre("FSSwitchDataSource"));
 }
 
 TEST(Loader, RefusesAnUnknownImportByItsName) {
@@ -157,9 +204,11 @@ TEST(Loader, LeavesAnUnknownImportThatTheModuleCanDoWithoutAtNull) {
 }
 
 TEST(Loader, RefusesAMethodOfAnotherType) {
-    EXPECT_THAT(refusalOf("i24@0:8@16", "q24@0:8@16"),
-                HasSubstr("not supported: method stateForSwitchIdentifier: of class RingerSwitch, "
-                          "of type q@:@"));
+    const bool is64Bit = sizeof(void*) == 8;
+    EXPECT_THAT(
+        is64Bit ? refusalOf("i24@0:8@16", "q24@0:8@16") : refusalOf("i12@0:4@8", "q12@0:4@8"),
+        HasSubstr("not supported: method stateForSwitchIdentifier: of class RingerSwitch, "
+                  "of type q@:@"));
 }
 
 TEST(Loader, DoesNotSendLoadToAClassThatDoesNotAskForIt) {

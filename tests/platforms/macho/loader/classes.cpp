@@ -16,7 +16,7 @@ constexpr std::uint32_t largestInstance = 0x10000;
 
 struct ClassObject {
     /// In the lowest bits of `data`: marks of another language's classes.
-    static constexpr std::uintptr_t dataMarks = 7;
+    static constexpr std::uintptr_t dataMarks = alignof(void*) - 1;
 
     const void* metaclass;
     const void* superclass;
@@ -26,7 +26,11 @@ struct ClassObject {
 };
 
 struct ClassData {
-    std::uint32_t flags, instanceStart, instanceSize, reserved;
+    /// Flags: of a metaclass, of a class without a superclass.
+    static constexpr std::uint32_t metaclass = 1;
+    static constexpr std::uint32_t root = 2;
+
+    std::uint32_t flags, instanceStart, instanceSize;
     const void* instanceLayout;
     const void* name;
     const void* methods;
@@ -34,6 +38,11 @@ struct ClassData {
     const void* fields;
     const void* weakLayout;
     const void* properties;
+};
+
+struct Protocol {
+    const void* isa;
+    const void* name;
 };
 
 /// Of methods, fields or properties.
@@ -106,11 +115,26 @@ std::vector<Property> readProperties(const Image& image, const void* place) {
     return properties;
 }
 
+std::vector<std::string> readProtocols(const Image& image, const void* list) {
+    std::vector<std::string> names;
+    if (list == nullptr) return names;
+    const auto count = image.value<std::uintptr_t>(list);
+    const void* const first = static_cast<const std::byte*>(list) + sizeof count;
+    for (const void* const protocol : image.values<const void*>(first, count)) {
+        names.emplace_back(image.text(image.value<Protocol>(protocol).name));
+    }
+    return names;
+}
+
 const ClassData& dataOf(const Image& image, const ClassObject& object) {
     if ((object.data & ClassObject::dataMarks) != 0) {
         throw standin::BundleError("not supported: classes of another language");
     }
     return image.value<ClassData>(reinterpret_cast<const void*>(object.data));
+}
+
+std::uint32_t kindIn(const ClassData& data) {
+    return data.flags & (ClassData::metaclass | ClassData::root);
 }
 
 ModuleClass readClass(const Image& image, const void* place) {
@@ -120,12 +144,16 @@ ModuleClass readClass(const Image& image, const void* place) {
         malformed("a class with instances of " + std::to_string(data.instanceSize) + " bytes");
     }
     const ClassData& metaclassData = dataOf(image, image.value<ClassObject>(object.metaclass));
+    if (kindIn(data) != 0 || kindIn(metaclassData) != ClassData::metaclass) {
+        malformed("a class that is marked as one of another kind");
+    }
     return {.name = image.text(data.name),
             .address = place,
             .superclass = object.superclass,
             .instanceStart = data.instanceStart,
             .instanceSize = data.instanceSize,
             .hasLoad = false,
+            .protocols = readProtocols(image, data.protocols),
             .classMethods = readMethods(image, metaclassData.methods),
             .instanceMethods = readMethods(image, data.methods),
             .fields = readFields(image, data.fields),

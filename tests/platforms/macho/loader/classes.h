@@ -44,6 +44,8 @@ struct ModuleClass {
     std::uint32_t instanceSize;
     /// Whether the runtime must send it `load` when the module is loaded.
     bool hasLoad;
+    /// The names of those that the class says it keeps.
+    std::vector<std::string> protocols;
     std::vector<Method> classMethods;
     std::vector<Method> instanceMethods;
     std::vector<Field> fields;

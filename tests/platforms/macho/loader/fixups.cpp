@@ -9,8 +9,20 @@ namespace quillet::macho {
 
 namespace {
 
-// A table of addresses is a program: each byte is an operation in its high half and a small
-// argument, the immediate, in its low half; some operations take further arguments.
+// table     = step…
+// step      = operation (the byte's high half) immediate (its low half) further arguments
+// unsigned  = groups of seven bits, the lowest first; signed likewise
+// text      = characters, zero byte
+//
+// A table is a program that moves from slot to slot; "slots" are as wide as an address.
+
+/// The operation that a step's byte says.
+template <class Operation>
+Operation operationIn(std::uint8_t byte) {
+    return static_cast<Operation>(byte >> 4);
+}
+
+std::uint8_t immediateIn(std::uint8_t byte) { return byte & 0xF; }
 
 /// The slot that a program is at.
 class Cursor {
@@ -28,7 +40,7 @@ public:
     template <class Change>
     void update(Change change) {
         std::byte* const slot = image_.slot(segment_, offset_);
-        std::uint64_t value = 0;
+        std::uintptr_t value = 0;
         std::memcpy(&value, slot, sizeof value);
         value = change(value);
         std::memcpy(slot, &value, sizeof value);
@@ -49,6 +61,20 @@ private:
 };
 
 constexpr std::uint8_t pointerType = 1;
+/// A flag of setSymbol: the module can do without the symbol.
+constexpr std::uint8_t weakSymbol = 1;
+
+enum class RebaseOperation : std::uint8_t {
+    end = 0,
+    setType = 1,              // immediate: the type
+    moveTo = 2,               // immediate: the segment; unsigned: the offset in it
+    advance = 3,              // unsigned: bytes
+    advanceSlots = 4,         // immediate: slots
+    rebaseTimes = 5,          // immediate: how many slots
+    rebaseManyTimes = 6,      // unsigned: how many slots
+    rebaseAndAdvance = 7,     // unsigned: bytes to skip
+    rebaseTimesSkipping = 8,  // unsigned: how many slots; unsigned: bytes to skip after each
+};
 
 /// Of addresses in the module, which the linker wrote as if it were loaded at 0.
 class Rebases {
@@ -59,35 +85,35 @@ public:
         Reader reader{program};
         while (!reader.atEnd()) {
             const auto byte = reader.take<std::uint8_t>();
-            const std::uint8_t immediate = byte & 0xF;
-            if (byte >> 4 == 0) return;
-            step(byte >> 4, immediate, reader);
+            const auto operation = operationIn<RebaseOperation>(byte);
+            if (operation == RebaseOperation::end) return;
+            step(operation, immediateIn(byte), reader);
         }
     }
 
 private:
-    void step(int operation, std::uint8_t immediate, Reader& reader) {
+    void step(RebaseOperation operation, std::uint8_t immediate, Reader& reader) {
         switch (operation) {
-            case 1:
+            case RebaseOperation::setType:
                 return checkType(immediate);
-            case 2:
+            case RebaseOperation::moveTo:
                 return cursor_.moveTo(immediate, reader.takeUnsigned());
-            case 3:
+            case RebaseOperation::advance:
                 return cursor_.advance(reader.takeUnsigned());
-            case 4:
+            case RebaseOperation::advanceSlots:
                 return cursor_.advance(immediate * sizeof(void*));
-            case 5:
+            case RebaseOperation::rebaseTimes:
                 return rebase(immediate, 0);
-            case 6:
+            case RebaseOperation::rebaseManyTimes:
                 return rebase(reader.takeUnsigned(), 0);
-            case 7:
+            case RebaseOperation::rebaseAndAdvance:
                 return rebase(1, reader.takeUnsigned());
-            case 8: {
+            case RebaseOperation::rebaseTimesSkipping: {
                 const std::uint64_t times = reader.takeUnsigned();
                 return rebase(times, reader.takeUnsigned());
             }
             default:
-                malformed("a rebase operation " + std::to_string(operation));
+                malformed("a rebase operation " + std::to_string(static_cast<int>(operation)));
         }
     }
 
@@ -97,8 +123,8 @@ private:
 
     void rebase(std::uint64_t times, std::uint64_t skip) {
         cursor_.repeat(times, [&] {
-            cursor_.update([&](std::uint64_t address) {
-                return reinterpret_cast<std::uint64_t>(image_.place(address));
+            cursor_.update([&](std::uintptr_t address) {
+                return reinterpret_cast<std::uintptr_t>(image_.place(address));
             });
             cursor_.advance(skip);
         });
@@ -108,17 +134,35 @@ private:
     Cursor cursor_;
 };
 
+enum class BindOperation : std::uint8_t {
+    end = 0,
+    setLibrary = 1,         // immediate: the library's place among those that the module loads
+    setLibraryFar = 2,      // unsigned: the same
+    setLibrarySpecial = 3,  // immediate: a place that is none of these libraries
+    setSymbol = 4,          // immediate: flags; text: the symbol
+    setType = 5,            // immediate: the type
+    setAddend = 6,          // signed: what is added to the symbol's address
+    moveTo = 7,             // immediate: the segment; unsigned: the offset in it
+    advance = 8,            // unsigned: bytes
+    bind = 9,
+    bindAndAdvance = 10,       // unsigned: bytes to skip
+    bindAndAdvanceSlots = 11,  // immediate: slots to skip
+    bindTimesSkipping = 12,    // unsigned: how many slots; unsigned: bytes to skip after each
+};
+
 /// Of imports. A lazy table is one of short programs, one behind the other, which all end.
 class Binds {
 public:
-    Binds(const Image& image, Resolve resolve) : cursor_{image}, resolve_{resolve} {}
+    Binds(const Image& image, const std::vector<Library>& libraries, Resolve resolve)
+        : cursor_{image}, libraries_{libraries}, resolve_{resolve} {}
 
     void run(Bytes program, bool isLazy) {
         Reader reader{program};
         while (!reader.atEnd()) {
             const auto byte = reader.take<std::uint8_t>();
-            if (byte >> 4 != 0) {
-                step(byte >> 4, byte & 0xF, reader);
+            const auto operation = operationIn<BindOperation>(byte);
+            if (operation != BindOperation::end) {
+                step(operation, immediateIn(byte), reader);
             } else if (!isLazy) {
                 return;
             }
@@ -126,39 +170,45 @@ public:
     }
 
 private:
-    void step(int operation, std::uint8_t immediate, Reader& reader) {
+    void step(BindOperation operation, std::uint8_t immediate, Reader& reader) {
         switch (operation) {
-            case 1:
-                return;  // the library, in the immediate
-            case 2:
-                reader.takeUnsigned();
-                return;  // the library
-            case 3:
-                return;  // the library, a special one
-            case 4:
-                return setSymbol(reader.takeText(), (immediate & 1) != 0);
-            case 5:
+            case BindOperation::setLibrary:
+                return setLibrary(immediate);
+            case BindOperation::setLibraryFar:
+                return setLibrary(reader.takeUnsigned());
+            case BindOperation::setSymbol:
+                return setSymbol(reader.takeText(), (immediate & weakSymbol) != 0);
+            case BindOperation::setType:
                 return checkType(immediate);
-            case 6:
+            case BindOperation::setAddend:
                 addend_ = reader.takeSigned();
                 return;
-            case 7:
+            case BindOperation::moveTo:
                 return cursor_.moveTo(immediate, reader.takeUnsigned());
-            case 8:
+            case BindOperation::advance:
                 return cursor_.advance(reader.takeUnsigned());
-            case 9:
+            case BindOperation::bind:
                 return bind(1, 0);
-            case 10:
+            case BindOperation::bindAndAdvance:
                 return bind(1, reader.takeUnsigned());
-            case 11:
+            case BindOperation::bindAndAdvanceSlots:
                 return bind(1, immediate * sizeof(void*));
-            case 12: {
+            case BindOperation::bindTimesSkipping: {
                 const std::uint64_t times = reader.takeUnsigned();
                 return bind(times, reader.takeUnsigned());
             }
             default:
-                malformed("a bind operation " + std::to_string(operation));
+                // Libraries in special places too: this project's modules name each one.
+                malformed("a bind operation " + std::to_string(static_cast<int>(operation)));
         }
+    }
+
+    /// Libraries are counted from 1.
+    void setLibrary(std::uint64_t place) {
+        if (place == 0 || place > libraries_.size()) {
+            malformed("an import from library " + std::to_string(place));
+        }
+        library_ = &libraries_[static_cast<std::size_t>(place - 1)];
     }
 
     static void checkType(std::uint8_t type) {
@@ -166,25 +216,35 @@ private:
     }
 
     void setSymbol(std::string_view symbol, bool isWeak) {
-        const void* const found = resolve_(std::string{symbol});
-        if (found == nullptr && !isWeak) {
-            throw standin::BundleError("unknown import: " + std::string{symbol});
+        symbol_ = symbol;
+        isWeak_ = isWeak;
+    }
+
+    /// The library may have been set before the symbol or after it.
+    std::uintptr_t address() const {
+        if (library_ == nullptr) malformed("an import from no library");
+        const void* const found = resolve_(library_->path, symbol_);
+        if (found == nullptr) {
+            if (isWeak_) return 0;
+            throw standin::BundleError("unknown import: " + symbol_ + " from " + library_->path);
         }
-        address_ = reinterpret_cast<std::uint64_t>(found);
+        return reinterpret_cast<std::uintptr_t>(found) + static_cast<std::uintptr_t>(addend_);
     }
 
     void bind(std::uint64_t times, std::uint64_t skip) {
+        const std::uintptr_t value = address();
         cursor_.repeat(times, [&] {
-            cursor_.update([&](std::uint64_t) {
-                return address_ == 0 ? 0 : address_ + static_cast<std::uint64_t>(addend_);
-            });
+            cursor_.update([&](std::uintptr_t) { return value; });
             cursor_.advance(skip);
         });
     }
 
     Cursor cursor_;
+    const std::vector<Library>& libraries_;
     Resolve resolve_;
-    std::uint64_t address_ = 0;
+    const Library* library_ = nullptr;
+    std::string symbol_;
+    bool isWeak_ = false;
     std::int64_t addend_ = 0;
 };
 
@@ -192,8 +252,8 @@ private:
 
 void setAddresses(const Image& image, const Layout& layout, Resolve resolve) {
     Rebases{image}.run(layout.rebases);
-    Binds{image, resolve}.run(layout.binds, false);
-    Binds{image, resolve}.run(layout.lazyBinds, true);
+    Binds{image, layout.libraries, resolve}.run(layout.binds, false);
+    Binds{image, layout.libraries, resolve}.run(layout.lazyBinds, true);
 }
 
 }  // namespace quillet::macho

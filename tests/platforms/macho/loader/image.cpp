@@ -26,7 +26,7 @@ std::size_t extent(const std::vector<Segment>& segments) {
         }
         end = std::max(end, segment.address + segment.size);
     }
-    return (end + page - 1) / page * page;
+    return static_cast<std::size_t>((end + page - 1) / page * page);
 }
 
 }  // namespace
@@ -49,13 +49,14 @@ void Image::protect() {
         std::byte* const begin = base_ + segment.address;
         const int protection =
             PROT_READ | (segment.writable ? PROT_WRITE : 0) | (segment.executable ? PROT_EXEC : 0);
-        if (mprotect(begin, segment.size, protection) != 0) {
+        const auto size = static_cast<std::size_t>(segment.size);
+        if (mprotect(begin, size, protection) != 0) {
             throw standin::BundleError("the module's memory cannot be protected");
         }
         if (segment.executable) {
             // Processors other than x86 do not see new code by themselves.
             __builtin___clear_cache(reinterpret_cast<char*>(begin),
-                                    reinterpret_cast<char*>(begin + segment.size));
+                                    reinterpret_cast<char*>(begin + size));
         }
     }
 }
@@ -63,6 +64,13 @@ void Image::protect() {
 std::byte* Image::place(std::uint64_t address) const {
     if (address >= size_) malformed("an address outside the module");
     return base_ + address;
+}
+
+bool Image::isCode(std::uint64_t address) const {
+    return std::ranges::any_of(segments_, [&](const Segment& segment) {
+        return segment.executable && address >= segment.address &&
+               address - segment.address < segment.size;
+    });
 }
 
 std::byte* Image::slot(std::size_t segment, std::uint64_t offset) const {
@@ -83,7 +91,8 @@ const char* Image::text(const void* place) const {
 std::span<const void* const> Image::addresses(std::string_view name) const {
     const auto found = std::ranges::find(sections_, name, &Section::name);
     if (found == sections_.end()) return {};
-    return values<const void*>(place(found->address), found->size / sizeof(void*));
+    return values<const void*>(place(found->address),
+                               static_cast<std::size_t>(found->size / sizeof(void*)));
 }
 
 void Image::check(const void* place, std::size_t size, std::size_t alignment) const {

@@ -30,6 +30,9 @@ public:
     /// The place in this process of the linker's `address`.
     std::byte* place(std::uint64_t address) const;
 
+    /// Whether there is code at the linker's `address`, rather than data.
+    bool isCode(std::uint64_t address) const;
+
     /// The pointer-sized slot at `offset` of a segment that may be written to.
     std::byte* slot(std::size_t segment, std::uint64_t offset) const;
 

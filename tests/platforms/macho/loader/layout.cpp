@@ -15,20 +15,29 @@ namespace {
 constexpr std::uint32_t thisCPU = 0x01000007;
 #elif defined(__aarch64__)
 constexpr std::uint32_t thisCPU = 0x0100000C;
+#elif defined(__arm__)
+constexpr std::uint32_t thisCPU = 0xC;
 #endif
 
-// The file format's records, all little-endian, as they lie in the file.
+// The file format's records, all little-endian, as they lie in the file. It has two forms, whose
+// addresses are as wide as the processor's.
+
+constexpr bool is64Bit = sizeof(void*) == 8;
+using Word = std::uintptr_t;
 
 struct Header {
-    static constexpr std::uint32_t thisMagic = 0xFEEDFACF;
+    static constexpr std::uint32_t thisMagic = is64Bit ? 0xFEEDFACF : 0xFEEDFACE;
     static constexpr std::uint32_t bundle = 8;
+    /// Behind the header, and unused.
+    static constexpr std::size_t padding = is64Bit ? 4 : 0;
 
-    std::uint32_t magic, cpu, cpuVariant, type, commandCount, commandsSize, flags, reserved;
+    std::uint32_t magic, cpu, cpuVariant, type, commandCount, commandsSize, flags;
 };
 
 struct Command {
-    static constexpr std::uint32_t segment = 0x19;
+    static constexpr std::uint32_t segment = is64Bit ? 0x19 : 0x1;
     static constexpr std::uint32_t dyldInfo = 0x80000022;
+    static constexpr std::uint32_t library = 0xC;
     static constexpr std::uint32_t weakLibrary = 0x80000018;
     /// The loader must know a command that has this bit.
     static constexpr std::uint32_t required = 0x80000000;
@@ -41,15 +50,15 @@ struct SegmentCommand {
     static constexpr std::uint32_t executeProtection = 4;
 
     std::array<char, 16> name;
-    std::uint64_t address, size, fileOffset, fileSize;
+    Word address, size, fileOffset, fileSize;
     std::uint32_t highestProtection, protection, sectionCount, flags;
 };
 
 struct SectionRecord {
     std::array<char, 16> name, segmentName;
-    std::uint64_t address, size;
+    Word address, size;
     std::uint32_t fileOffset, alignment, relocationOffset, relocationCount, flags;
-    std::array<std::uint32_t, 3> reserved;
+    std::array<std::uint32_t, is64Bit ? 3 : 2> reserved;
 
     /// Whether the section holds functions that run at loading or unloading, or variables of
     /// threads: what its type, the flags' lowest byte, says.
@@ -57,6 +66,12 @@ struct SectionRecord {
         const std::uint32_t type = flags & 0xFF;
         return type == 0x9 || type == 0xA || type >= 0x11;
     }
+};
+
+struct LibraryCommand {
+    /// From the command's beginning.
+    std::uint32_t pathOffset;
+    std::uint32_t time, version, compatibleVersion;
 };
 
 struct DyldInfo {
@@ -82,6 +97,7 @@ public:
         if (header.magic != Header::thisMagic) refuse("file magic", header.magic);
         if (header.cpu != thisCPU) refuse("processor", header.cpu);
         if (header.type != Header::bundle) refuse("file type", header.type);
+        reader.takeBytes(Header::padding);
         Reader commands{reader.takeBytes(header.commandsSize)};
         for (std::uint32_t i = 0; i < header.commandCount; ++i) readCommand(commands);
         if (layout_.segments.empty()) malformed("no segments");
@@ -99,9 +115,9 @@ private:
                 return readSegment(content);
             case Command::dyldInfo:
                 return readDyldInfo(content.take<DyldInfo>());
-            // Which library has what is not asked: see imports.h.
+            case Command::library:
             case Command::weakLibrary:
-                return;
+                return readLibrary(content, kind == Command::weakLibrary);
             default:
                 if ((kind & Command::required) != 0) refuse("load command", kind);
         }
@@ -124,6 +140,14 @@ private:
         const std::string_view name{section.name.data(), section.name.size()};
         layout_.sections.push_back(
             {std::string{name.substr(0, name.find('\0'))}, section.address, section.size});
+    }
+
+    void readLibrary(Reader& content, bool isWeak) {
+        const auto library = content.take<LibraryCommand>();
+        constexpr std::size_t before = sizeof(Command) + sizeof(LibraryCommand);
+        if (library.pathOffset < before) malformed("a library without a path");
+        content.takeBytes(library.pathOffset - before);
+        layout_.libraries.push_back({std::string{content.takeText()}, isWeak});
     }
 
     void readDyldInfo(const DyldInfo& info) {

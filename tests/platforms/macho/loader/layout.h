@@ -24,10 +24,20 @@ struct Section {
     std::uint64_t size;
 };
 
+/// A library whose symbols a module imports.
+struct Library {
+    /// On the device.
+    std::string path;
+    /// Whether the module can do without it.
+    bool isWeak;
+};
+
 /// What a module's file says of itself. Addresses are those that the linker gave, from 0.
 struct Layout {
     std::vector<Segment> segments;
     std::vector<Section> sections;
+    /// In the order in which imports count them.
+    std::vector<Library> libraries;
     Bytes rebases;
     Bytes binds;
     Bytes lazyBinds;

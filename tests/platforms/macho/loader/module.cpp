@@ -10,6 +10,7 @@
 #include "platform/standin/plist/property_list.h"
 #include "platform/standin/runtime/module.h"
 #include "tests/platforms/macho/loader/classes.h"
+#include "tests/platforms/macho/loader/convention.h"
 #include "tests/platforms/macho/loader/exports.h"
 #include "tests/platforms/macho/loader/fixups.h"
 #include "tests/platforms/macho/loader/image.h"
@@ -20,12 +21,20 @@ namespace quillet::macho {
 
 namespace {
 
+void requireLibraries(const Layout& layout) {
+    for (const Library& library : layout.libraries) {
+        if (library.isWeak || hasLibrary(library.path)) continue;
+        throw standin::BundleError("no library " + library.path);
+    }
+}
+
 class MachO final : public standin::Module {
 public:
     explicit MachO(std::string file)
         : file_{std::move(file)},
           layout_{readLayout(std::as_bytes(std::span{file_}))},
           image_{layout_} {
+        requireLibraries(layout_);
         setAddresses(image_, layout_, findImport);
         image_.protect();
         for (ModuleClass& cls : readClasses(image_)) {
@@ -40,7 +49,10 @@ public:
 
     void* symbol(const char* name) const override {
         const auto address = findExport(layout_.exports, std::string{"_"} + name);
-        return address ? image_.place(*address) : nullptr;
+        if (!address) return nullptr;
+        std::byte* const place = image_.place(*address);
+        if (!image_.isCode(*address)) return place;
+        return reinterpret_cast<void*>(callable(reinterpret_cast<void (*)()>(place)));
     }
 
 private:

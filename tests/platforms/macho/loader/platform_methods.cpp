@@ -12,6 +12,7 @@
 #include "platform/run_loop.h"
 #include "platform/springboard_classes.h"
 #include "platform/standin/runtime/instances.h"
+#include "tests/platforms/macho/loader/convention.h"
 #include "tests/platforms/macho/loader/runtime.h"
 
 namespace quillet::macho {
@@ -34,11 +35,6 @@ Class standinClass(Id cls) {
     return Class{loaded == nullptr ? cls : loaded->registered};
 }
 
-template <class Answer, class... Arguments>
-const void* code(Answer (*function)(Id, Selector, Arguments...)) {
-    return reinterpret_cast<const void*>(function);
-}
-
 using Methods = std::map<std::string, const void*, std::less<>>;
 
 // Each method sends the same message by way of the headers in platform/. A flag is answered as an
@@ -46,62 +42,62 @@ using Methods = std::map<std::string, const void*, std::less<>>;
 
 const Methods foundationMethods = {
     {"+[NSString stringWithUTF8String:]",
-     code(+[](Id, Selector, const char* utf8) { return autoreleased(NSString(utf8)); })},
+     code([](Id, Selector, const char* utf8) { return autoreleased(NSString(utf8)); })},
     {"+[NSNumber numberWithBool:]",
-     code(+[](Id, Selector, BOOL value) { return autoreleased(NSNumber::numberWithBool(value)); })},
-    {"+[NSNumber numberWithFloat:]", code(+[](Id, Selector, float value) {
+     code([](Id, Selector, BOOL value) { return autoreleased(NSNumber::numberWithBool(value)); })},
+    {"+[NSNumber numberWithFloat:]", code([](Id, Selector, float value) {
          return autoreleased(NSNumber::numberWithFloat(value));
      })},
     {"+[NSFileManager defaultManager]",
-     code(+[](Id, Selector) { return autoreleased(NSFileManager::defaultManager()); })},
-    {"-[NSFileManager fileExistsAtPath:]", code(+[](Id self, Selector, Id path) {
+     code([](Id, Selector) { return autoreleased(NSFileManager::defaultManager()); })},
+    {"-[NSFileManager fileExistsAtPath:]", code([](Id self, Selector, Id path) {
          return int{as<NSFileManager>(self).fileExistsAtPath(as<NSString>(path))};
      })},
-    {"+[NSBundle bundleForClass:]", code(+[](Id, Selector, Id cls) {
+    {"+[NSBundle bundleForClass:]", code([](Id, Selector, Id cls) {
          return autoreleased(NSBundle::bundleForClass(standinClass(cls)));
      })},
     {"-[NSBundle bundleIdentifier]",
-     code(+[](Id self, Selector) { return autoreleased(as<NSBundle>(self).bundleIdentifier()); })},
-    {"+[NSDate dateWithTimeIntervalSinceNow:]", code(+[](Id, Selector, double seconds) {
+     code([](Id self, Selector) { return autoreleased(as<NSBundle>(self).bundleIdentifier()); })},
+    {"+[NSDate dateWithTimeIntervalSinceNow:]", code([](Id, Selector, double seconds) {
          return autoreleased(NSDate::dateWithTimeIntervalSinceNow(seconds));
      })},
     {"+[NSRunLoop currentRunLoop]",
-     code(+[](Id, Selector) { return autoreleased(NSRunLoop::currentRunLoop()); })},
-    {"-[NSRunLoop runUntilDate:]", code(+[](Id self, Selector, Id limit) {
+     code([](Id, Selector) { return autoreleased(NSRunLoop::currentRunLoop()); })},
+    {"-[NSRunLoop runUntilDate:]", code([](Id self, Selector, Id limit) {
          as<NSRunLoop>(self).runUntilDate(as<NSDate>(limit));
      })},
     {"+[NSThread sleepForTimeInterval:]",
-     code(+[](Id, Selector, double seconds) { NSThread::sleepForTimeInterval(seconds); })},
+     code([](Id, Selector, double seconds) { NSThread::sleepForTimeInterval(seconds); })},
 };
 
 const Methods dictionaryMethods = {
-    {"+[NSDictionary alloc]", code(+[](Id self, Selector) { return allocationOf(self); })},
-    {"+[NSDictionary dictionaryWithContentsOfFile:]", code(+[](Id, Selector, Id path) {
+    {"+[NSDictionary alloc]", code([](Id self, Selector) { return allocationOf(self); })},
+    {"+[NSDictionary dictionaryWithContentsOfFile:]", code([](Id, Selector, Id path) {
          return autoreleased(NSDictionary::dictionaryWithContentsOfFile(as<NSString>(path)));
      })},
-    {"-[allocated NSDictionary initWithContentsOfFile:]", code(+[](Id, Selector, Id path) {
+    {"-[allocated NSDictionary initWithContentsOfFile:]", code([](Id, Selector, Id path) {
          return owned(NSDictionary::initWithContentsOfFile(as<NSString>(path)));
      })},
-    {"-[NSDictionary objectForKey:]", code(+[](Id self, Selector, Id key) {
+    {"-[NSDictionary objectForKey:]", code([](Id self, Selector, Id key) {
          return autoreleased(as<NSDictionary>(self).objectForKey(as<NSString>(key)));
      })},
-    {"+[NSMutableDictionary alloc]", code(+[](Id self, Selector) { return allocationOf(self); })},
-    {"+[NSMutableDictionary dictionaryWithContentsOfFile:]", code(+[](Id, Selector, Id path) {
+    {"+[NSMutableDictionary alloc]", code([](Id self, Selector) { return allocationOf(self); })},
+    {"+[NSMutableDictionary dictionaryWithContentsOfFile:]", code([](Id, Selector, Id path) {
          return autoreleased(NSMutableDictionary::dictionaryWithContentsOfFile(as<NSString>(path)));
      })},
-    {"-[allocated NSMutableDictionary initWithContentsOfFile:]", code(+[](Id, Selector, Id path) {
+    {"-[allocated NSMutableDictionary initWithContentsOfFile:]", code([](Id, Selector, Id path) {
          return owned(NSMutableDictionary::initWithContentsOfFile(as<NSString>(path)));
      })},
     {"-[allocated NSMutableDictionary init]",
-     code(+[](Id, Selector) { return owned(NSMutableDictionary::init()); })},
-    {"-[NSMutableDictionary setValue:forKey:]", code(+[](Id self, Selector, Id value, Id key) {
+     code([](Id, Selector) { return owned(NSMutableDictionary::init()); })},
+    {"-[NSMutableDictionary setValue:forKey:]", code([](Id self, Selector, Id value, Id key) {
          as<NSMutableDictionary>(self).setValue(as<Object>(value), as<NSString>(key));
      })},
-    {"-[NSMutableDictionary setObject:forKey:]", code(+[](Id self, Selector, Id value, Id key) {
+    {"-[NSMutableDictionary setObject:forKey:]", code([](Id self, Selector, Id value, Id key) {
          as<NSMutableDictionary>(self).setObject(as<Object>(value), as<NSString>(key));
      })},
     {"-[NSMutableDictionary writeToFile:atomically:]",
-     code(+[](Id self, Selector, Id path, BOOL atomically) {
+     code([](Id self, Selector, Id path, BOOL atomically) {
          return int{as<NSMutableDictionary>(self).writeToFile(as<NSString>(path), atomically)};
      })},
 };
@@ -115,31 +111,31 @@ void activate(Id self, Selector selector, int state) {
 
 const Methods hostMethods = {
     {"+[FSSwitchPanel sharedPanel]",
-     code(+[](Id, Selector) { return autoreleased(FSSwitchPanel::sharedPanel()); })},
-    {"-[FSSwitchPanel stateDidChangeForSwitchIdentifier:]", code(+[](Id self, Selector, Id name) {
+     code([](Id, Selector) { return autoreleased(FSSwitchPanel::sharedPanel()); })},
+    {"-[FSSwitchPanel stateDidChangeForSwitchIdentifier:]", code([](Id self, Selector, Id name) {
          as<FSSwitchPanel>(self).stateDidChangeForSwitchIdentifier(as<NSString>(name));
      })},
-    {"+[AVSystemController sharedAVSystemController]", code(+[](Id, Selector) {
+    {"+[AVSystemController sharedAVSystemController]", code([](Id, Selector) {
          return autoreleased(AVSystemController::sharedAVSystemController());
      })},
     {"-[AVSystemController getVolume:forCategory:]",
-     code(+[](Id self, Selector, float* volume, Id category) {
+     code([](Id self, Selector, float* volume, Id category) {
          return int{as<AVSystemController>(self).getVolume(volume, as<NSString>(category))};
      })},
     {"-[AVSystemController setVolumeTo:forCategory:]",
-     code(+[](Id self, Selector, float volume, Id category) {
+     code([](Id self, Selector, float volume, Id category) {
          return int{as<AVSystemController>(self).setVolumeTo(volume, as<NSString>(category))};
      })},
-    {"+[SBRingerHUDController sharedInstance]", code(+[](Id self, Selector) {
+    {"+[SBRingerHUDController sharedInstance]", code([](Id self, Selector) {
          return autoreleased(as<SBRingerHUDController>(self).sharedInstance());
      })},
     {"+[SBRingerHUDController activate:]",
-     code(+[](Id self, Selector, int state) { as<SBRingerHUDController>(self).activate(state); })},
-    {"-[SBRingerHUDController activate:]", code(activate)},
-    {"+[SBMediaController sharedInstance]", code(+[](Id self, Selector) {
+     code([](Id self, Selector, int state) { as<SBRingerHUDController>(self).activate(state); })},
+    {"-[SBRingerHUDController activate:]", code<activate>()},
+    {"+[SBMediaController sharedInstance]", code([](Id self, Selector) {
          return autoreleased(as<SBMediaController>(self).sharedInstance());
      })},
-    {"-[SBMediaController setRingerMuted:]", code(+[](Id self, Selector, BOOL muted) {
+    {"-[SBMediaController setRingerMuted:]", code([](Id self, Selector, BOOL muted) {
          as<SBMediaController>(self).setRingerMuted(muted);
      })},
 };
@@ -154,22 +150,22 @@ struct Base : NSObject {};
 /// NSObject is above every class, PlatformObject above those of the objects that the stand-in has,
 /// ModuleObject above those of the module.
 const Methods commonMethods = {
-    {"+[ModuleObject alloc]", code(+[](Id self, Selector) { return loadedClass(self)->alloc(); })},
+    {"+[ModuleObject alloc]", code([](Id self, Selector) { return loadedClass(self)->alloc(); })},
     {"+[NSObject instanceMethodForSelector:]",
-     code(+[](Id self, Selector, Selector asked) { return platformInstanceMethod(self, asked); })},
-    {"-[NSObject init]", code(+[](Id self, Selector) { return static_cast<Id>(new (self) Base); })},
-    {"-[NSObject dealloc]", code(+[](Id self, Selector) { classOfInstance(self)->dealloc(self); })},
-    {"+[NSObject class]", code(+[](Id self, Selector) { return self; })},
-    {"+[NSObject retain]", code(+[](Id self, Selector) { return retain(self); })},
-    {"-[NSObject retain]", code(+[](Id self, Selector) { return retain(self); })},
-    {"+[NSObject release]", code(+[](Id self, Selector) { release(self); })},
-    {"-[NSObject release]", code(+[](Id self, Selector) { release(self); })},
-    {"+[PlatformObject respondsToSelector:]", code(respondsToSelector)},
-    {"-[PlatformObject respondsToSelector:]", code(respondsToSelector)},
+     code([](Id self, Selector, Selector asked) { return platformInstanceMethod(self, asked); })},
+    {"-[NSObject init]", code([](Id self, Selector) { return static_cast<Id>(new (self) Base); })},
+    {"-[NSObject dealloc]", code([](Id self, Selector) { classOfInstance(self)->dealloc(self); })},
+    {"+[NSObject class]", code([](Id self, Selector) { return self; })},
+    {"+[NSObject retain]", code([](Id self, Selector) { return retain(self); })},
+    {"-[NSObject retain]", code([](Id self, Selector) { return retain(self); })},
+    {"+[NSObject release]", code([](Id self, Selector) { release(self); })},
+    {"-[NSObject release]", code([](Id self, Selector) { release(self); })},
+    {"+[PlatformObject respondsToSelector:]", code<respondsToSelector>()},
+    {"-[PlatformObject respondsToSelector:]", code<respondsToSelector>()},
     {"-[PlatformObject boolValue]",
-     code(+[](Id self, Selector) { return int{as<Object>(self).boolValue()}; })},
+     code([](Id self, Selector) { return int{as<Object>(self).boolValue()}; })},
     {"-[PlatformObject floatValue]",
-     code(+[](Id self, Selector) { return as<Object>(self).floatValue(); })},
+     code([](Id self, Selector) { return as<Object>(self).floatValue(); })},
 };
 
 const Methods& methods() {

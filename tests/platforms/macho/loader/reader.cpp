@@ -11,7 +11,7 @@ void malformed(const std::string& what) { throw standin::BundleError("malformed:
 
 Bytes part(Bytes bytes, std::uint64_t offset, std::uint64_t size) {
     if (offset > bytes.size() || size > bytes.size() - offset) malformed("ends too early");
-    return bytes.subspan(offset, size);
+    return bytes.subspan(static_cast<std::size_t>(offset), static_cast<std::size_t>(size));
 }
 
 Bytes Reader::takeBytes(std::uint64_t size) {

@@ -9,6 +9,7 @@
 
 #include "platform/object.h"
 #include "tests/platforms/macho/loader/classes.h"
+#include "tests/platforms/macho/loader/convention.h"
 
 namespace quillet::macho {
 
@@ -111,9 +112,11 @@ const void* platformInstanceMethod(Id platformClass, Selector selector);
 /// Sends a message from outside the module.
 template <class Answer, class... Arguments>
 Answer sendMessage(Id receiver, Selector selector, Arguments... arguments) {
+    static_assert(!passesWords || ((sizeof(Arguments) <= sizeof(void*)) && ...),
+                  "passed in another way by the device");
     const auto function =
         reinterpret_cast<Answer (*)(Id, Selector, Arguments...)>(&quilletSendMessage);
-    return function(receiver, selector, arguments...);
+    return callable(function)(receiver, selector, arguments...);
 }
 
 }  // namespace quillet::macho
