@@ -19,8 +19,8 @@ using macho::sendMessage;
 using ::testing::ElementsAre;
 using ::testing::UnorderedElementsAre;
 
-/// A flag is a truth value to the runtime.
-const std::string flag = "B";
+/// A flag is a truth value to the runtime; on 32-bit devices, a number of one byte.
+const std::string flag = sizeof(void*) == 8 ? "B" : "c";
 
 bool ask(Id object, const char* getter) { return sendMessage<BOOL>(object, getter) != NO; }
 
