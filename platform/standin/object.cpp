@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "platform/standin/device/device.h"
+#include "platform/standin/plist/readings.h"
 
 namespace quillet {
 

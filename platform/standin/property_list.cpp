@@ -16,7 +16,6 @@ using standin::Answer;
 using standin::Device;
 using standin::Instance;
 using standin::send;
-using standin::Value;
 using standin::ValueInstance;
 
 namespace {
@@ -70,8 +69,7 @@ NSDictionary NSDictionary::initWithContentsOfFile(NSString path) {
 
 Object NSDictionary::objectForKey(NSString key) const {
     return send<ValueInstance>(*this, [&](const ValueInstance& instance) -> Object {
-        const Value* const value =
-            std::get<standin::Dictionary>(instance.value).find(standin::text(key));
+        const auto value = std::get<standin::Dictionary>(instance.value).find(standin::text(key));
         const auto found = adopt<Object>(value ? new ValueInstance{*value} : nullptr);
         Device::current().trace.message(instance.className(), "objectForKey:", key, Answer{found});
         return found;
@@ -106,8 +104,9 @@ void NSMutableDictionary::setObject(Object value, NSString forKey) const {
 BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
     return send<ValueInstance>(*this, [&](const ValueInstance& instance) -> BOOL {
         Device& device = Device::current();
-        const bool written = standin::writeFileAtomically(
-            device.below(standin::text(path)), standin::writePropertyList(instance.value));
+        const auto content = standin::rewritePropertyList(instance.value);
+        const bool written = content && standin::writeFileAtomically(
+                                            device.below(standin::text(path)), *content);
         device.trace.message(instance.className(), "writeToFile:atomically:", path,
                              atomically != NO, Answer{written});
         return written;

@@ -74,8 +74,8 @@ Dictionary dictionaryIn(const fs::path& file) {
 }
 
 std::string stringIn(const Dictionary& dictionary, const char* key) {
-    const Value* const value = dictionary.find(key);
-    const auto* const string = value != nullptr ? std::get_if<std::string>(value) : nullptr;
+    const auto value = dictionary.find(key);
+    const auto* const string = value ? std::get_if<std::string>(&*value) : nullptr;
     return string != nullptr ? *string : "(none)";
 }
 

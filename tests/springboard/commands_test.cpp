@@ -7,6 +7,7 @@
 
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/root.h"
+#include "platform/standin/plist/readings.h"
 #include "tests/springboard/springboard.h"
 
 namespace quillet::test {
@@ -25,8 +26,8 @@ protected:
 
     std::optional<float> keptVolume() const {
         const Dictionary preferences = dictionary(preferencesPath);
-        const Value* const volume = preferences.find("ringtone-volume");
-        return volume != nullptr ? standin::floatValue(*volume) : std::nullopt;
+        const auto volume = preferences.find("ringtone-volume");
+        return volume ? standin::floatValue(*volume) : std::nullopt;
     }
 
     Outcome runWith(const Words& environment, const Words& unset, const Words& words) {

@@ -11,6 +11,7 @@
 #include "platform/standin/files/file.h"
 #include "platform/standin/files/file_lock.h"
 #include "platform/standin/plist/property_list.h"
+#include "platform/standin/plist/readings.h"
 #include "platform/standin/runtime/dictionary_file.h"
 
 namespace quillet::standin {
@@ -37,8 +38,8 @@ private:
 };
 
 Dictionary volumesOf(const Dictionary& state) {
-    const Value* const volumes = state.find(volumesKey);
-    const auto* const dictionary = volumes ? std::get_if<Dictionary>(volumes) : nullptr;
+    const auto volumes = state.find(volumesKey);
+    const auto* const dictionary = volumes ? std::get_if<Dictionary>(&*volumes) : nullptr;
     return dictionary ? *dictionary : Dictionary{};
 }
 
@@ -51,12 +52,13 @@ Dictionary Hardware::newState() {
 std::optional<Dictionary> Hardware::read() const { return readDictionary(path_); }
 
 bool Hardware::write(Dictionary state) const {
-    return writeFileAtomically(path_, writePropertyList(std::move(state)));
+    const auto text = rewritePropertyList(std::move(state));
+    return text && writeFileAtomically(path_, *text);
 }
 
 std::optional<float> Hardware::volume(std::string_view category) const {
     const Dictionary volumes = volumesOf(read().value_or(Dictionary{}));
-    const Value* const found = volumes.find(category);
+    const auto found = volumes.find(category);
     const auto volume = found ? floatValue(*found) : std::nullopt;
     return volume ? std::optional{inRange(*volume)} : std::nullopt;
 }
@@ -65,7 +67,7 @@ bool Hardware::setVolume(std::string_view category, float volume) {
     const Turn turn{path_};
     Dictionary state = read().value_or(Dictionary{});
     Dictionary volumes = volumesOf(state);
-    if (volumes.find(category) == nullptr) return false;
+    if (!volumes.find(category)) return false;
     volumes.set(category, double{inRange(volume)});
     state.set(volumesKey, std::move(volumes));
     return write(std::move(state));
@@ -73,7 +75,7 @@ bool Hardware::setVolume(std::string_view category, float volume) {
 
 bool Hardware::isRingerMuted() const {
     const Dictionary state = read().value_or(Dictionary{});
-    const Value* const muted = state.find(mutedKey);
+    const auto muted = state.find(mutedKey);
     return muted && boolValue(*muted).value_or(false);
 }
 

@@ -2,7 +2,6 @@
 #include "platform/standin/plist/base64.h"
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 
 namespace quillet::standin {
@@ -21,53 +20,70 @@ constexpr auto digitValues = [] {
     return values;
 }();
 
-/// How many digits a text of `digits` lacks to end with a full group of four.
-std::size_t missingDigits(std::size_t digits) { return (4 - digits % 4) % 4; }
+std::uint32_t digitAt(std::string_view text, std::size_t index) {
+    return digitValues[static_cast<unsigned char>(text[index])];
+}
 
-bool isWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+char digit(std::uint32_t bits) { return alphabet[bits & 0x3FU]; }
 
-}  // namespace
-
-std::optional<std::string> decodeBase64(std::string_view text) {
-    std::string bytes;
-    bytes.reserve(text.size() / 4 * 3);
-    std::uint32_t bits = 0;
-    std::size_t digits = 0;
-    std::size_t padding = 0;
-    for (const char c : text) {
-        if (isWhiteSpace(c)) continue;
-        if (c == '=') {
-            ++padding;
-            continue;
-        }
-        const std::uint32_t value = digitValues[static_cast<unsigned char>(c)];
-        if (value == notADigit || padding != 0) return std::nullopt;
-        bits = bits << 6 | value;
-        ++digits;
-        // From the second digit of a group on, each digit completes a byte.
-        if (digits % 4 != 1) bytes.push_back(static_cast<char>(bits >> 2 * missingDigits(digits)));
-    }
-    const std::size_t expected = missingDigits(digits);
-    const std::uint32_t unused = bits & ((1U << 2 * expected) - 1);
-    if (padding != expected || expected == 3 || unused != 0) return std::nullopt;
+/// Writes the `count` whole bytes that a group's 24 bits begin with.
+char* putBytes(char* bytes, std::uint32_t bits, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) *bytes++ = static_cast<char>(bits >> (16 - 8 * i));
     return bytes;
 }
 
-std::string encodeBase64(std::string_view bytes) {
-    std::string text;
-    text.reserve((bytes.size() + 2) / 3 * 4);
-    for (std::size_t i = 0; i < bytes.size(); i += 3) {
-        const std::string_view group = bytes.substr(i, 3);
-        std::uint32_t bits = 0;
-        for (std::size_t byte = 0; byte < 3; ++byte) {
-            bits = bits << 8 | (byte < group.size() ? static_cast<unsigned char>(group[byte]) : 0U);
-        }
-        for (std::size_t digit = 0; digit < 4; ++digit) {
-            const std::uint32_t value = bits >> (18 - 6 * digit) & 0x3FU;
-            text.push_back(digit <= group.size() ? alphabet[value] : '=');
-        }
+/// Takes four digits in a row, as most are. False when there are none here.
+bool takeGroup(std::string_view& text, std::uint32_t& bits) {
+    if (text.size() < 4) return false;
+    const std::uint32_t a = digitAt(text, 0);
+    const std::uint32_t b = digitAt(text, 1);
+    const std::uint32_t c = digitAt(text, 2);
+    const std::uint32_t d = digitAt(text, 3);
+    if (((a | b | c | d) & notADigit) != 0) return false;
+    bits = a << 18 | b << 12 | c << 6 | d;
+    text.remove_prefix(4);
+    return true;
+}
+
+/// Takes up to four digits, among whatever else. Returns how many there were.
+std::size_t gatherGroup(std::string_view& text, std::uint32_t& bits) {
+    std::size_t digits = 0;
+    bits = 0;
+    while (digits < 4 && !text.empty()) {
+        const char c = text.front();
+        const std::uint32_t value = digitAt(text, 0);
+        text.remove_prefix(1);
+        if (c == '=' && digits != 0) break;
+        if (value == notADigit) continue;
+        bits |= value << (18 - 6 * digits);
+        ++digits;
     }
-    return text;
+    return digits;
+}
+
+}  // namespace
+
+std::size_t decodeBase64(std::string_view text, char* bytes) {
+    char* end = bytes;
+    while (!text.empty()) {
+        std::uint32_t bits = 0;
+        const std::size_t digits = takeGroup(text, bits) ? 4 : gatherGroup(text, bits);
+        end = putBytes(end, bits, digits * 3 / 4);
+    }
+    return static_cast<std::size_t>(end - bytes);
+}
+
+void encodeBase64(std::string_view bytes, char* text) {
+    for (; !bytes.empty(); bytes.remove_prefix(bytes.size() < 3 ? bytes.size() : 3)) {
+        std::uint32_t bits = 0;
+        for (std::size_t i = 0; i < 3; ++i) {
+            bits = bits << 8 | (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U);
+        }
+        *text++ = digit(bits >> 18);
+        *text++ = digit(bits >> 12);
+        *text++ = bytes.size() > 1 ? digit(bits >> 6) : '=';
+        *text++ = bytes.size() > 2 ? digit(bits) : '=';
+    }
 }
 
 }  // namespace quillet::standin

@@ -9,14 +9,13 @@
 
 namespace quillet::standin {
 
-/// Whether the date lies in the years 1 to 9999 of the Gregorian calendar.
-bool isInCalendar(Date date);
-
-/// The date in `text`, exactly "YYYY-MM-DDTHH:MM:SSZ". Nothing when there is no such second.
+/// The date in `text`, exactly "[-]YYYY-MM-DDTHH:MM:SSZ" in the Gregorian calendar, whose years may
+/// have fewer or more digits, up to 2147483647; the year before 1 is 0. Nothing when there is no
+/// such second.
 std::optional<Date> parseDate(std::string_view text);
 
-/// The whole second that `date` falls in, as parseDate takes it. A date outside the calendar gives
-/// the calendar's first or last second.
+/// The whole second that `date` falls in, as parseDate takes it. A date outside those years gives
+/// the first or the last second of them; what is no number gives the first second of year 1.
 std::string formatDate(Date date);
 
 }  // namespace quillet::standin

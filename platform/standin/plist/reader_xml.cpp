@@ -2,6 +2,7 @@
 #include <charconv>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -9,15 +10,16 @@
 #include "platform/standin/plist/calendar.h"
 #include "platform/standin/plist/decimal.h"
 #include "platform/standin/plist/property_list.h"
-#include "platform/standin/plist/utf8.h"
-#include "platform/standin/plist/value_builder.h"
+#include "platform/standin/plist/tape_builder.h"
+#include "platform/standin/plist/text_encoding.h"
+#include "platform/standin/plist/value_on_tape.h"
 #include "platform/standin/plist/xml_scanner.h"
 
 namespace quillet::standin {
 namespace {
 
-using Kind = XMLScanner::Kind;
-using Container = ValueBuilder::Container;
+using Enclosure = TapeBuilder::Enclosure;
+using TagKind = XMLScanner::Kind;
 
 std::string_view trimmed(std::string_view text) {
     constexpr std::string_view whiteSpace = " \t\r\n";
@@ -34,7 +36,7 @@ bool takeSign(std::string_view& text) {
 }
 
 /// [+-] (digits | (0x|0X) hex digits), from the least signed to the greatest unsigned integer.
-std::optional<Value> integerIn(std::string_view text) {
+std::optional<Node> integerIn(std::string_view text) {
     const bool isNegative = takeSign(text);
     const bool isHex = text.starts_with("0x") || text.starts_with("0X");
     if (isHex) text.remove_prefix(2);
@@ -42,13 +44,13 @@ std::optional<Value> integerIn(std::string_view text) {
     const char* const last = text.data() + text.size();
     const auto end = std::from_chars(text.data(), last, magnitude, isHex ? 16 : 10);
     if (end.ec != std::errc{} || end.ptr != last) return std::nullopt;
-    if (!isNegative) return integerValue(magnitude);
+    if (!isNegative) return numberNode(magnitude);
     if (magnitude > std::uint64_t{1} << 63) return std::nullopt;
-    return static_cast<std::int64_t>(-magnitude);
+    return integerNode(static_cast<std::int64_t>(-magnitude));
 }
 
 /// A decimal number, or [+-] (nan | inf | infinity) in letters of either case.
-std::optional<Value> realIn(std::string_view text) {
+std::optional<double> realIn(std::string_view text) {
     if (const auto number = readDecimal<double>(text)) {
         if (number->length != text.size()) return std::nullopt;
         return number->value;
@@ -61,90 +63,123 @@ std::optional<Value> realIn(std::string_view text) {
     return sign * std::numeric_limits<double>::infinity();
 }
 
-std::optional<Value> dateIn(std::string_view text) {
-    if (const auto date = parseDate(text)) return *date;
-    return std::nullopt;
+std::optional<Node> realNodeIn(std::string_view text) {
+    const auto number = realIn(text);
+    return number ? std::optional{realNode(Kind::real, *number)} : std::nullopt;
 }
 
-std::optional<Value> dataIn(std::string_view text) {
-    if (auto bytes = decodeBase64(text)) return Data{*std::move(bytes)};
-    return std::nullopt;
+std::optional<Node> dateIn(std::string_view text) {
+    const auto date = parseDate(text);
+    return date ? std::optional{realNode(Kind::date, date->seconds)} : std::nullopt;
 }
 
-std::optional<Value> flagIn(bool flag, std::string_view text) {
-    if (!trimmed(text).empty()) return std::nullopt;
-    return flag;
+std::optional<Node> flagIn(bool flag, std::string_view text) {
+    return trimmed(text).empty() ? std::optional{booleanNode(flag)} : std::nullopt;
+}
+
+/// The bytes take the place of the digits that they stand for.
+Node dataNode(std::string_view digits) {
+    auto* const bytes = const_cast<char*>(digits.data());
+    return textNode(Kind::data, {bytes, decodeBase64(digits, bytes)});
 }
 
 /// The value of an element other than a container, from its name and its text.
-std::optional<Value> scalarOf(std::string_view name, std::string text) {
-    if (name == "string") return text;
-    if (name == "integer") return integerIn(trimmed(text));
-    if (name == "real") return realIn(trimmed(text));
-    if (name == "true") return flagIn(true, text);
-    if (name == "false") return flagIn(false, text);
-    if (name == "date") return dateIn(text);
-    if (name == "data") return dataIn(text);
+std::optional<Node> scalarOf(std::string_view name, XMLScanner::Text text) {
+    if (name == "string") return stringNode(text.characters, text.isPlain);
+    if (name == "integer") return integerIn(trimmed(text.characters));
+    if (name == "true") return flagIn(true, text.characters);
+    if (name == "false") return flagIn(false, text.characters);
+    if (name == "real") return realNodeIn(trimmed(text.characters));
+    if (name == "date") return dateIn(text.characters);
+    if (name == "data") return dataNode(text.characters);
     return std::nullopt;
 }
 
-std::optional<Container> containerNamed(std::string_view name) {
-    if (name == "dict") return Container::dictionary;
-    if (name == "array") return Container::array;
+std::optional<Enclosure> enclosureNamed(std::string_view name) {
+    if (name == "dict") return Enclosure::dictionary;
+    if (name == "array") return Enclosure::array;
+    if (name == "plist") return Enclosure::wrapper;
     return std::nullopt;
 }
 
-/// document = [byte order mark] (value | <plist> value </plist>)
-/// value    = <array> value… </array> | <dict> (key value)… </dict> | scalar
+/// Puts an archive's identifier in place of a dictionary {"CF$UID": number}, if the last value is
+/// one.
+void settleUID(std::vector<Node>& nodes) {
+    if (nodes.size() < 3) return;
+    const std::size_t place = nodes.size() - 3;
+    const Node& head = nodes[place];
+    const Node& number = nodes[place + 2];
+    if (head.kind != Kind::dictionary || head.size != 2) return;
+    const bool isNumber = number.kind == Kind::unsignedInteger ||
+                          (number.kind == Kind::integer && number.integer >= 0);
+    if (nodes[place + 1].text() != "CF$UID" || !isNumber) return;
+    nodes[place] = uidNode(number.number);
+    nodes.resize(place + 1);
+}
+
+/// document = value, and whatever follows
+/// value    = <plist> value </plist> | <array> value… </array> | <dict> (key value)… </dict> |
+///            scalar
 class XMLReader {
 public:
-    explicit XMLReader(std::string_view document) : scanner_{document} {}
+    explicit XMLReader(std::string document)
+        : tape_{std::make_shared<Tape>(std::move(document))},
+          scanner_{tape_->file()},
+          builder_{tape_->nodes, Counts::last} {}
 
     std::optional<Value> read() {
-        for (;;) {
-            const XMLScanner::Tag tag = scanner_.next();
-            if (tag.kind == Kind::finished) return isInRoot_ ? std::nullopt : builder_.take();
-            if (tag.kind == Kind::malformed || !take(tag)) return std::nullopt;
+        // A value seldom takes less: room for as many as there may well be, used as it is needed.
+        constexpr std::size_t usualSize = 24;
+        tape_->nodes.reserve(tape_->file().size() / usualSize + 1);
+        while (!builder_.isComplete()) {
+            if (!take(scanner_.next())) return std::nullopt;
         }
+        return valueAt(tape_, tape_->nodes.front());
     }
+
+    Fault fault() const { return {scanner_.offset(), "malformed"}; }
 
 private:
     bool take(XMLScanner::Tag tag) {
-        if (tag.name == "plist") return takeRoot(tag.kind);
-        const auto container = containerNamed(tag.name);
-        if (tag.kind == Kind::end) return container && builder_.close(*container);
-        if (!container) return takeScalar(tag);
-        return builder_.open(*container) && (tag.kind == Kind::start || builder_.close(*container));
+        const auto enclosure = enclosureNamed(tag.name);
+        if (tag.kind == TagKind::end) return enclosure && close(*enclosure);
+        if (tag.kind == TagKind::malformed) return false;
+        if (!enclosure) return takeScalar(tag);
+        return builder_.open(*enclosure) && (tag.kind == TagKind::start || close(*enclosure));
     }
 
-    bool takeRoot(Kind kind) {
-        const bool isStart = kind == Kind::start && !isInRoot_ && builder_.isEmpty();
-        const bool isEnd = kind == Kind::end && isInRoot_ && builder_.isComplete();
-        isInRoot_ = isStart;
-        return isStart || isEnd;
+    bool close(Enclosure enclosure) {
+        if (!builder_.close(enclosure)) return false;
+        if (enclosure == Enclosure::dictionary) settleUID(tape_->nodes);
+        return true;
     }
 
     bool takeScalar(XMLScanner::Tag tag) {
-        std::optional<std::string> text = tag.kind == Kind::empty ? "" : scanner_.text();
+        const auto text = tag.kind == TagKind::empty ? XMLScanner::Text{{}, true} : scanner_.text();
         if (!text) return false;
-        if (tag.kind == Kind::start && scanner_.next().name != tag.name) return false;
-        if (tag.name == "key") return builder_.addKey(*std::move(text));
-        auto value = scalarOf(tag.name, *std::move(text));
-        return value && builder_.add(*std::move(value));
+        if (tag.kind == TagKind::start && !scanner_.takeEnd(tag.name)) return false;
+        if (tag.name == "key") return builder_.addKey(stringNode(text->characters, text->isPlain));
+        const auto value = scalarOf(tag.name, *text);
+        return value && builder_.add(*value);
     }
 
+    std::shared_ptr<Tape> tape_;
     XMLScanner scanner_;
-    ValueBuilder builder_;
-    bool isInRoot_ = false;
+    TapeBuilder builder_;
 };
 
 }  // namespace
 
-std::optional<Value> readXMLPropertyList(std::string_view bytes) {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (!isUTF8(bytes)) return std::nullopt;
-    if (bytes.starts_with(byteOrderMark)) bytes.remove_prefix(byteOrderMark.size());
-    return XMLReader{bytes}.read();
+std::optional<Value> readXMLPropertyList(std::string bytes, Fault* fault) {
+    auto document = bytes.size() > maxFileSize ? std::nullopt : documentInUTF8(std::move(bytes));
+    if (!document) {
+        if (fault != nullptr) *fault = {0, "an unknown encoding, or too many bytes"};
+        return std::nullopt;
+    }
+    XMLReader reader{*std::move(document)};
+    auto value = reader.read();
+    if (!value && fault != nullptr) *fault = reader.fault();
+    return value;
 }
 
 }  // namespace quillet::standin

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/plist/utf8.h"
 
+#include <array>
 #include <cstddef>
 #include <cstring>
-#include <initializer_list>
 
 namespace quillet::standin {
 namespace {
 
 constexpr std::uint32_t lastCodePoint = 0x10FFFF;
+/// Stands for what is no character.
+constexpr std::uint32_t replacement = 0xFFFD;
 
 bool isSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 bool isHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
@@ -43,10 +45,6 @@ std::size_t sequenceLength(std::string_view bytes) {
     return codePoint < least || codePoint > lastCodePoint || isSurrogate(codePoint) ? 0 : length;
 }
 
-void appendBytes(std::string& text, std::initializer_list<std::uint32_t> bytes) {
-    for (const std::uint32_t byte : bytes) text.push_back(static_cast<char>(byte));
-}
-
 }  // namespace
 
 bool isUTF8(std::string_view bytes) {
@@ -59,36 +57,47 @@ bool isUTF8(std::string_view bytes) {
     }
 }
 
-bool appendUTF8(std::string& text, std::uint32_t codePoint) {
-    if (codePoint > lastCodePoint || isSurrogate(codePoint)) return false;
-    const auto continuation = [=](int shift) { return 0x80U | (codePoint >> shift & 0x3FU); };
+char* putUTF8(char* text, std::uint32_t codePoint) {
+    if (codePoint > lastCodePoint || isSurrogate(codePoint)) codePoint = replacement;
+    const auto put = [&](std::uint32_t byte) { *text++ = static_cast<char>(byte); };
+    const auto putContinuation = [&](int shift) { put(0x80U | (codePoint >> shift & 0x3FU)); };
     if (codePoint < 0x80) {
-        appendBytes(text, {codePoint});
-    } else if (codePoint < 0x800) {
-        appendBytes(text, {0xC0U | codePoint >> 6, continuation(0)});
-    } else if (codePoint < 0x10000) {
-        appendBytes(text, {0xE0U | codePoint >> 12, continuation(6), continuation(0)});
-    } else {
-        appendBytes(text,
-                    {0xF0U | codePoint >> 18, continuation(12), continuation(6), continuation(0)});
+        put(codePoint);
+        return text;
     }
-    return true;
+    if (codePoint < 0x800) {
+        put(0xC0U | codePoint >> 6);
+    } else {
+        if (codePoint < 0x10000) {
+            put(0xE0U | codePoint >> 12);
+        } else {
+            put(0xF0U | codePoint >> 18);
+            putContinuation(12);
+        }
+        putContinuation(6);
+    }
+    putContinuation(0);
+    return text;
 }
 
-bool appendUTF16BigEndian(std::string& text, std::string_view bytes) {
+void appendUTF8(std::string& text, std::uint32_t codePoint) {
+    std::array<char, 4> bytes;
+    text.append(bytes.data(), putUTF8(bytes.data(), codePoint));
+}
+
+void appendUTF16(std::string& text, std::string_view bytes, HighByte order) {
+    const std::size_t high = order == HighByte::first ? 0 : 1;
     const auto unitAt = [=](std::size_t index) {
-        return byteAt(bytes, index) << 8 | byteAt(bytes, index + 1);
+        return byteAt(bytes, index + high) << 8 | byteAt(bytes, index + 1 - high);
     };
-    if (bytes.size() % 2 != 0) return false;
-    for (std::size_t i = 0; i < bytes.size(); i += 2) {
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
         std::uint32_t codePoint = unitAt(i);
-        if (isHighSurrogate(codePoint) && i + 2 < bytes.size() && isLowSurrogate(unitAt(i + 2))) {
+        if (isHighSurrogate(codePoint) && i + 3 < bytes.size() && isLowSurrogate(unitAt(i + 2))) {
             codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + (unitAt(i + 2) - 0xDC00);
             i += 2;
         }
-        if (!appendUTF8(text, codePoint)) return false;
+        appendUTF8(text, codePoint);
     }
-    return true;
 }
 
 }  // namespace quillet::standin

@@ -10,12 +10,16 @@ namespace quillet::standin {
 /// Whether `bytes` are UTF-8 in shortest form, without surrogates or code points above U+10FFFF.
 bool isUTF8(std::string_view bytes);
 
-/// Appends the character to `text`. False, and `text` as it was, for a surrogate or a number
-/// above U+10FFFF.
-bool appendUTF8(std::string& text, std::uint32_t codePoint);
+/// Writes the character to `text`, which has room for four bytes, and returns where it ends; a
+/// surrogate, or a number above U+10FFFF, stands for U+FFFD.
+char* putUTF8(char* text, std::uint32_t codePoint);
 
-/// Appends the characters of `bytes`, UTF-16 with the high byte first. False for an odd number of
-/// bytes or an unpaired surrogate; `text` then holds what preceded it.
-bool appendUTF16BigEndian(std::string& text, std::string_view bytes);
+/// Appends the character, as putUTF8 writes it.
+void appendUTF8(std::string& text, std::uint32_t codePoint);
+
+/// Appends the characters of `bytes`, UTF-16 with the high byte of each unit first or last. An
+/// unpaired surrogate stands for U+FFFD; half a unit at the end is dropped.
+enum class HighByte { first, last };
+void appendUTF16(std::string& text, std::string_view bytes, HighByte order);
 
 }  // namespace quillet::standin

@@ -2,148 +2,160 @@
 #include "platform/standin/plist/value.h"
 
 #include <algorithm>
-#include <cmath>
-#include <functional>
-#include <limits>
+#include <cstddef>
+#include <iterator>
 #include <utility>
 
-#include "platform/standin/plist/decimal.h"
+#include "platform/standin/plist/tape.h"
+#include "platform/standin/plist/tape_builder.h"
+#include "platform/standin/plist/value_on_tape.h"
 
 namespace quillet::standin {
 namespace {
 
-constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+constexpr std::size_t emptyArray = 0;
+constexpr std::size_t emptyDictionary = 1;
 
-void skipAnyOf(std::string_view& text, std::string_view characters) {
-    text.remove_prefix(std::min(text.find_first_not_of(characters), text.size()));
+/// What all containers without content share.
+const std::shared_ptr<Tape>& emptyTape() {
+    static const auto tape = [] {
+        auto made = std::make_shared<Tape>();
+        made->nodes.resize(2);
+        made->nodes[emptyArray].kind = Kind::array;
+        made->nodes[emptyDictionary].kind = Kind::dictionary;
+        return made;
+    }();
+    return tape;
 }
 
-bool flagOf(std::string_view text) {
-    skipAnyOf(text, whiteSpace);
-    if (text.starts_with('+') || text.starts_with('-')) text.remove_prefix(1);
-    skipAnyOf(text, "0");
-    return !text.empty() && std::string_view{"YyTt123456789"}.find(text.front()) != text.npos;
+std::shared_ptr<Tape> tapeOf(const std::vector<Value>& elements) {
+    auto tape = std::make_shared<Tape>();
+    Node& head = tape->nodes.emplace_back();
+    head.kind = Kind::array;
+    head.count = elements.size();
+    for (const Value& element : elements) append(*tape, tape->nodes, element);
+    tape->nodes.front().size = static_cast<std::uint32_t>(tape->nodes.size() - 1);
+    return tape;
 }
 
-float nearestFloat(std::string_view text) {
-    skipAnyOf(text, whiteSpace);
-    const auto number = readDecimal<float>(text);
-    return number ? number->value : 0.0F;
-}
-
-float nearestFloat(double number) {
-    using Limits = std::numeric_limits<float>;
-    // Half a unit in the last place above the largest float: from here on, rounding gives infinity.
-    constexpr double overflow = 0x1.ffffffp+127;
-    if (std::abs(number) >= overflow) return number < 0 ? -Limits::infinity() : Limits::infinity();
-    return static_cast<float>(std::clamp<double>(number, Limits::lowest(), Limits::max()));
-}
-
-struct Flag {
-    std::optional<bool> operator()(const std::string& text) const { return flagOf(text); }
-    std::optional<bool> operator()(bool flag) const { return flag; }
-    std::optional<bool> operator()(std::int64_t number) const { return number != 0; }
-    std::optional<bool> operator()(std::uint64_t number) const { return number != 0; }
-    std::optional<bool> operator()(double number) const { return number != 0; }
-    std::optional<bool> operator()(const Data&) const { return std::nullopt; }
-    std::optional<bool> operator()(const Date&) const { return std::nullopt; }
-    std::optional<bool> operator()(const Array&) const { return std::nullopt; }
-    std::optional<bool> operator()(const Dictionary&) const { return std::nullopt; }
-};
-
-struct Number {
-    std::optional<float> operator()(const std::string& text) const { return nearestFloat(text); }
-    std::optional<float> operator()(bool flag) const { return flag ? 1.0F : 0.0F; }
-    std::optional<float> operator()(std::int64_t number) const {
-        return static_cast<float>(number);
+std::shared_ptr<Tape> tapeOf(const std::vector<Entry>& entries) {
+    auto tape = std::make_shared<Tape>();
+    Node& head = tape->nodes.emplace_back();
+    head.kind = Kind::dictionary;
+    head.count = entries.size();
+    for (const auto& [key, value] : entries) {
+        append(*tape, tape->nodes, Value{key});
+        append(*tape, tape->nodes, value);
     }
-    std::optional<float> operator()(std::uint64_t number) const {
-        return static_cast<float>(number);
-    }
-    std::optional<float> operator()(double number) const { return nearestFloat(number); }
-    std::optional<float> operator()(const Data&) const { return std::nullopt; }
-    std::optional<float> operator()(const Date&) const { return std::nullopt; }
-    std::optional<float> operator()(const Array&) const { return std::nullopt; }
-    std::optional<float> operator()(const Dictionary&) const { return std::nullopt; }
-};
-
-/// The entries by key, those with one key in their own order.
-template <class Entries>
-auto sortedByKey(Entries& entries) {
-    std::vector<decltype(entries.data())> sorted;
-    sorted.reserve(entries.size());
-    for (auto& entry : entries) sorted.push_back(&entry);
-    std::sort(sorted.begin(), sorted.end(), [](const Entry* a, const Entry* b) {
-        const int order = a->key.compare(b->key);
-        return order != 0 ? order < 0 : std::less<>{}(a, b);
-    });
-    return sorted;
-}
-
-/// True for the order in which most writers leave their keys, which spares the sorting.
-bool keysAscend(const std::vector<Entry>& entries) {
-    const auto descends = [](const Entry& a, const Entry& b) { return a.key >= b.key; };
-    return std::adjacent_find(entries.begin(), entries.end(), descends) == entries.end();
-}
-
-void mergeDuplicates(std::vector<Entry>& entries) {
-    if (keysAscend(entries)) return;
-    std::vector<bool> merged(entries.size());
-    Entry* first = nullptr;
-    for (Entry* entry : sortedByKey(entries)) {
-        if (first == nullptr || first->key != entry->key) {
-            first = entry;
-            continue;
-        }
-        first->value = std::move(entry->value);
-        merged[static_cast<std::size_t>(entry - entries.data())] = true;
-    }
-    std::size_t index = 0;
-    std::erase_if(entries, [&](const Entry&) { return merged[index++]; });
+    tape->nodes.front().size = static_cast<std::uint32_t>(tape->nodes.size() - 1);
+    settleDuplicates(tape->nodes, 0, Counts::last);
+    return tape;
 }
 
 }  // namespace
 
-Dictionary::Dictionary() = default;
+Container::Container(std::shared_ptr<Tape> tape, std::size_t place)
+    : tape_{std::move(tape)}, place_{place} {}
+
+const Node& Container::head() const { return tape_->nodes[place_]; }
+
+std::size_t Container::size() const { return head().count; }
+
+Array::Array() : Container{emptyTape(), emptyArray} {}
+
+Array::Array(std::initializer_list<Value> elements) : Array{std::vector<Value>(elements)} {}
+
+Array::Array(const std::vector<Value>& elements) : Container{tapeOf(elements), 0} {}
+
+Array::Array(std::shared_ptr<Tape> tape, std::size_t place) : Container{std::move(tape), place} {}
+
+std::vector<Value> Array::elements() const {
+    std::vector<Value> elements;
+    elements.reserve(size());
+    for (const Node* node = &head() + 1; node != head().next(); node = node->next()) {
+        elements.push_back(valueAt(tape_, *node));
+    }
+    return elements;
+}
+
+bool Array::operator==(const Array& other) const { return areEqual(head(), other.head()); }
+
+Dictionary::Dictionary() : Container{emptyTape(), emptyDictionary} {}
 
 Dictionary::Dictionary(std::initializer_list<Entry> entries)
-    : Dictionary(std::vector<Entry>(entries)) {}
+    : Dictionary{std::vector<Entry>(entries)} {}
 
-Dictionary::Dictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
-    mergeDuplicates(entries_);
+Dictionary::Dictionary(const std::vector<Entry>& entries) : Container{tapeOf(entries), 0} {}
+
+Dictionary::Dictionary(std::shared_ptr<Tape> tape, std::size_t place)
+    : Container{std::move(tape), place} {}
+
+std::vector<Entry> Dictionary::entries() const {
+    std::vector<Entry> entries;
+    entries.reserve(size());
+    for (const Node* key = &head() + 1; key != head().next(); key = (key + 1)->next()) {
+        entries.push_back({std::string{key->text()}, valueAt(tape_, key[1])});
+    }
+    return entries;
 }
 
-const Value* Dictionary::find(std::string_view key) const {
-    for (const Entry& entry : entries_) {
-        if (entry.key == key) return &entry.value;
-    }
-    return nullptr;
+const Node* Dictionary::keyNode(std::string_view key) const {
+    const Node* node = &head() + 1;
+    while (node != head().next() && node->text() != key) node = (node + 1)->next();
+    return node;
 }
 
-void Dictionary::set(std::string_view key, Value value) {
-    for (Entry& entry : entries_) {
-        if (entry.key == key) {
-            entry.value = std::move(value);
-            return;
-        }
+std::optional<Value> Dictionary::find(std::string_view key) const {
+    const Node* const found = keyNode(key);
+    if (found == head().next()) return std::nullopt;
+    return valueAt(tape_, found[1]);
+}
+
+/// Puts `nodes` in place of a part of the dictionary.
+void Dictionary::replace(const Node* begin, const Node* end, const std::vector<Node>& nodes) {
+    auto& all = tape_->nodes;
+    const auto first = all.begin() + (begin - all.data());
+    const auto kept = std::min<std::ptrdiff_t>(end - begin, std::ssize(nodes));
+    std::copy_n(nodes.begin(), kept, first);
+    if (kept < end - begin) all.erase(first + kept, first + (end - begin));
+    all.insert(first + kept, nodes.begin() + kept, nodes.end());
+    all.front().size = static_cast<std::uint32_t>(all.size() - 1);
+}
+
+void Dictionary::set(std::string_view key, const Value& value) {
+    makeOwn();
+    std::vector<Node> nodes;
+    const Node* const found = keyNode(key);
+    const bool isNew = found == head().next();
+    if (isNew) append(*tape_, nodes, Value{std::string{key}});
+    append(*tape_, nodes, value);
+    if (isNew) {
+        ++tape_->nodes.front().count;
+        replace(found, found, nodes);
+    } else {
+        replace(found + 1, found[1].next(), nodes);
     }
-    entries_.push_back({std::string{key}, std::move(value)});
 }
 
 void Dictionary::erase(std::string_view key) {
-    std::erase_if(entries_, [&](const Entry& entry) { return entry.key == key; });
+    makeOwn();
+    const Node* const found = keyNode(key);
+    if (found == head().next()) return;
+    --tape_->nodes.front().count;
+    replace(found, found[1].next(), {});
+}
+
+/// Sees to it that the dictionary is all that is on its tape, and nobody else's.
+void Dictionary::makeOwn() {
+    if (place_ == 0 && tape_.use_count() == 1) return;
+    auto tape = std::make_shared<Tape>();
+    tape->append(tape->nodes, head());
+    tape_ = std::move(tape);
+    place_ = 0;
 }
 
 bool Dictionary::operator==(const Dictionary& other) const {
-    if (entries_.size() != other.entries_.size()) return false;
-    const auto ours = sortedByKey(entries_);
-    const auto theirs = sortedByKey(other.entries_);
-    return std::equal(ours.begin(), ours.end(), theirs.begin(),
-                      [](const Entry* a, const Entry* b) { return *a == *b; });
+    return areEqual(head(), other.head());
 }
-
-std::optional<bool> boolValue(const Value& value) { return std::visit(Flag{}, value); }
-
-std::optional<float> floatValue(const Value& value) { return std::visit(Number{}, value); }
 
 }  // namespace quillet::standin

@@ -4,11 +4,16 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <limits>
+#include <utility>
 #include <vector>
 
-#include "platform/standin/plist/base64.h"
 #include "platform/standin/plist/calendar.h"
+#include "platform/standin/plist/plain_text.h"
 #include "platform/standin/plist/property_list.h"
+#include "platform/standin/plist/tape.h"
+#include "platform/standin/plist/value_on_tape.h"
+#include "platform/standin/plist/xml_sinks.h"
 
 namespace quillet::standin {
 namespace {
@@ -19,14 +24,40 @@ constexpr std::string_view prolog =
     "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
     "<plist version=\"1.0\">\n";
 constexpr std::string_view epilog = "</plist>\n";
-constexpr std::size_t base64LineLength = 68;
 
-bool needsEscape(char c) {
-    const bool isControl = static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n';
-    return isControl || c == '&' || c == '<' || c == '>';
+/// A line of data: 68 characters, which stand for 51 bytes.
+constexpr std::size_t bytesInLine = 51;
+
+/// A short text that a number or a character is written as.
+struct Word {
+    std::array<char, 32> characters;
+    std::size_t size;
+
+    std::string_view text() const { return {characters.data(), size}; }
+};
+
+template <class Number>
+Word decimal(Number number) {
+    Word word{};
+    char* const begin = word.characters.data();
+    const auto end = std::to_chars(begin, begin + word.characters.size(), number);
+    word.size = static_cast<std::size_t>(end.ptr - begin);
+    return word;
 }
 
-std::string escaped(char c) {
+/// By character: what stands for the control characters that XML cannot hold as they are.
+constexpr auto controlReferences = [] {
+    std::array<std::array<char, 5>, 32> references{};
+    for (std::size_t c = 0; c < references.size(); ++c) {
+        const auto ones = static_cast<char>('0' + c % 10);
+        const auto tens = static_cast<char>('0' + c / 10);
+        references[c] =
+            c < 10 ? std::array{'&', '#', ones, ';', '\0'} : std::array{'&', '#', tens, ones, ';'};
+    }
+    return references;
+}();
+
+std::string_view escaped(char c) {
     switch (c) {
         case '&':
             return "&amp;";
@@ -35,111 +66,200 @@ std::string escaped(char c) {
         case '>':
             return "&gt;";
         default:
-            return "&#" + std::to_string(static_cast<int>(c)) + ';';
+            return {controlReferences[static_cast<std::size_t>(c)].data(), c < 10 ? 4U : 5U};
     }
 }
 
-/// The shortest decimal number that reads back as `number`, or a word.
-std::string realText(double number) {
-    if (std::isnan(number)) return "nan";
-    if (std::isinf(number)) return number < 0 ? "-infinity" : "+infinity";
-    std::array<char, 32> text;
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), number);
-    return {text.data(), end.ptr};
-}
-
-/// Writes a value with a stack of its own in place of recursion.
+/// Puts a value's text into a sink. The same code measures and writes, so that the two agree.
+template <class Sink>
 class Writer {
 public:
-    std::string write(const Value& value) {
-        text_ = prolog;
-        std::visit(*this, value);
-        while (!open_.empty()) step();
-        text_ += epilog;
-        return std::move(text_);
-    }
+    explicit Writer(Sink& sink) : sink_{sink} {}
 
-    void operator()(bool flag) { line(flag ? "<true/>" : "<false/>"); }
-    void operator()(std::int64_t number) { element("integer", std::to_string(number)); }
-    void operator()(std::uint64_t number) { element("integer", std::to_string(number)); }
-    void operator()(double number) { element("real", realText(number)); }
-    void operator()(const std::string& text) { element("string", text); }
-    void operator()(Date date) { element("date", formatDate(date)); }
-
-    void operator()(const Data& data) {
-        const std::string digits = encodeBase64(data.bytes);
-        line("<data>");
-        for (std::size_t i = 0; i < digits.size(); i += base64LineLength) {
-            line(std::string_view{digits}.substr(i, base64LineLength));
+    void write(const Node& root) {
+        sink_.put(prolog);
+        const Node* node = putValue(&root);
+        while (!open_.empty() && !sink_.isFull()) {
+            if (node == open_.back().end) {
+                close();
+            } else if (open_.back().isDictionary) {
+                putKey(*node);
+                node = putValue(node + 1);
+            } else {
+                node = putValue(node);
+            }
         }
-        line("</data>");
-    }
-
-    void operator()(const Array& array) {
-        if (array.empty()) return line("<array/>");
-        line("<array>");
-        open_.push_back({&array, nullptr, 0});
-    }
-
-    void operator()(const Dictionary& dictionary) {
-        if (dictionary.entries().empty()) return line("<dict/>");
-        line("<dict>");
-        open_.push_back({nullptr, &dictionary.entries(), 0});
+        sink_.put(epilog);
     }
 
 private:
-    /// A container that has been begun: one of the two, and how much of it has been written.
+    /// A container that has been begun.
     struct Level {
-        const Array* array;
-        const std::vector<Entry>* entries;
-        std::size_t written;
+        const Node* end;
+        bool isDictionary;
     };
 
-    void step() {
-        Level& level = open_.back();
-        const std::size_t index = level.written++;
-        if (level.array != nullptr) {
-            if (index == level.array->size()) return close("</array>");
-            std::visit(*this, (*level.array)[index]);
-        } else {
-            if (index == level.entries->size()) return close("</dict>");
-            const Entry& entry = (*level.entries)[index];
-            element("key", entry.key);
-            std::visit(*this, entry.value);
+    /// Puts a value, of a container only its beginning. Returns the node after that.
+    const Node* putValue(const Node* node) {
+        sink_.putTabs(open_.size());
+        switch (node->kind) {
+            case Kind::boolean:
+                sink_.put(node->integer != 0 ? "<true/>\n" : "<false/>\n");
+                break;
+            case Kind::integer:
+                putInteger(decimal(node->integer));
+                break;
+            case Kind::unsignedInteger:
+                putInteger(decimal(node->number));
+                break;
+            case Kind::real:
+                putReal(node->real);
+                break;
+            case Kind::date:
+                putDate({node->real});
+                break;
+            case Kind::uid:
+                putUID(node->number);
+                break;
+            case Kind::string:
+                sink_.put("<string>");
+                putText(*node);
+                sink_.put("</string>\n");
+                break;
+            case Kind::data:
+                putData(node->text());
+                break;
+            case Kind::array:
+                open(*node, "<array>\n", "<array/>\n");
+                break;
+            case Kind::dictionary:
+                open(*node, "<dict>\n", "<dict/>\n");
+                break;
         }
+        return node + 1;
     }
 
-    void close(std::string_view tag) {
+    void putKey(const Node& node) {
+        sink_.putTabs(open_.size());
+        sink_.put("<key>");
+        putText(node);
+        sink_.put("</key>\n");
+    }
+
+    void open(const Node& node, std::string_view tag, std::string_view emptyTag) {
+        if (node.count == 0) return sink_.put(emptyTag);
+        sink_.put(tag);
+        open_.push_back({node.next(), node.kind == Kind::dictionary});
+    }
+
+    void close() {
+        const bool isDictionary = open_.back().isDictionary;
         open_.pop_back();
-        line(tag);
+        sink_.putTabs(open_.size());
+        sink_.put(isDictionary ? "</dict>\n" : "</array>\n");
     }
 
-    void line(std::string_view content) {
-        text_.append(open_.size(), '\t').append(content) += '\n';
+    void putInteger(const Word& word) {
+        sink_.put("<integer>");
+        sink_.put(word.text());
+        sink_.put("</integer>\n");
     }
 
-    void element(std::string_view name, std::string_view content) {
-        text_.append(open_.size(), '\t').append("<").append(name) += '>';
-        appendEscaped(content);
-        text_.append("</").append(name).append(">\n");
+    void putReal(double number) {
+        sink_.put("<real>");
+        if (std::isnan(number)) {
+            sink_.put("nan");
+        } else if (std::isinf(number)) {
+            sink_.put(number < 0 ? "-infinity" : "+infinity");
+        } else {
+            sink_.put(decimal(number).text());
+        }
+        sink_.put("</real>\n");
     }
 
-    void appendEscaped(std::string_view content) {
+    void putDate(Date date) {
+        sink_.put("<date>");
+        sink_.put(formatDate(date));
+        sink_.put("</date>\n");
+    }
+
+    void putUID(std::uint64_t number) {
+        sink_.put("<dict>\n");
+        sink_.putTabs(open_.size() + 1);
+        sink_.put("<key>CF$UID</key>\n");
+        sink_.putTabs(open_.size() + 1);
+        putInteger(decimal(number));
+        sink_.putTabs(open_.size());
+        sink_.put("</dict>\n");
+    }
+
+    void putData(std::string_view bytes) {
+        sink_.put("<data>\n");
+        for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), bytesInLine))) {
+            sink_.putTabs(open_.size());
+            sink_.putBase64(bytes.substr(0, bytesInLine));
+            sink_.put('\n');
+        }
+        sink_.putTabs(open_.size());
+        sink_.put("</data>\n");
+    }
+
+    void putText(const Node& node) {
+        if (node.isPlain) return sink_.put(node.text());
+        std::string_view text = node.text();
         for (;;) {
-            const auto* const end = std::find_if(content.begin(), content.end(), needsEscape);
-            text_.append(content.begin(), end);
-            if (end == content.end()) return;
-            text_ += escaped(*end);
-            content.remove_prefix(static_cast<std::size_t>(end - content.begin()) + 1);
+            const auto* const end = std::find_if(text.begin(), text.end(), needsEscape);
+            sink_.put(std::string_view{text.begin(), end});
+            if (end == text.end()) return;
+            sink_.put(escaped(*end));
+            text.remove_prefix(static_cast<std::size_t>(end - text.begin()) + 1);
         }
     }
 
-    std::string text_;
+    Sink& sink_;
     std::vector<Level> open_;
 };
 
+/// The text of the value at `root`; nothing when it is longer than `limit`.
+std::optional<std::string> written(const Node& root, std::size_t limit) {
+    Measure measure{limit};
+    Writer{measure}.write(root);
+    if (measure.isFull()) return std::nullopt;
+    std::string text(measure.size() + tabs.size(), '\0');
+    Pen pen{text.data()};
+    Writer{pen}.write(root);
+    text.resize(measure.size());
+    return text;
+}
+
+/// The container that a value is, if it is one.
+const Container* containerIn(const Value& value) {
+    const Container* const array = std::get_if<Array>(&value);
+    return array != nullptr ? array : std::get_if<Dictionary>(&value);
+}
+
+std::optional<std::string> written(const Value& value, std::size_t limit) {
+    if (const Container* const container = containerIn(value)) {
+        return written(container->head(), limit);
+    }
+    Tape tape;
+    append(tape, tape.nodes, value);
+    return written(tape.nodes.front(), limit);
+}
+
 }  // namespace
 
-std::string writePropertyList(const Value& value) { return Writer{}.write(value); }
+std::string writePropertyList(const Value& value) {
+    return *written(value, std::numeric_limits<std::size_t>::max());
+}
+
+std::optional<std::string> rewritePropertyList(const Value& value) {
+    const Container* const container = containerIn(value);
+    if (container == nullptr) return writePropertyList(value);
+    const Tape& tape = *container->tape();
+    const std::size_t limit = memoryLimit(tape.size());
+    const std::size_t taken = tape.memory();
+    return taken < limit ? written(container->head(), limit - taken) : std::nullopt;
+}
 
 }  // namespace quillet::standin

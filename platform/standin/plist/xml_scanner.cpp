@@ -5,73 +5,39 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <system_error>
 #include <utility>
 
+#include "platform/standin/plist/plain_text.h"
 #include "platform/standin/plist/utf8.h"
 
 namespace quillet::standin {
 namespace {
 
-bool isWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
-
-void trimFront(std::string_view& text) {
-    while (!text.empty() && isWhiteSpace(text.front())) text.remove_prefix(1);
+/// By character: whether it is one of `characters`.
+constexpr auto tableOf(std::string_view characters) {
+    std::array<bool, 256> table{};
+    for (const char c : characters) table[static_cast<unsigned char>(c)] = true;
+    return table;
 }
 
-/// Takes what precedes the first character of a kind off the front of `text`.
-template <class Predicate>
-std::string_view takeUntil(std::string_view& text, Predicate isEnd) {
-    const auto* const end = std::find_if(text.begin(), text.end(), isEnd);
-    const std::string_view taken(text.begin(), end);
-    text.remove_prefix(taken.size());
-    return taken;
-}
+constexpr auto spaces = tableOf(" \t\r\n");
+constexpr auto nameEnds = tableOf("/> \t\r\n");
 
-/// Takes `name = "value"` off the front of an XML declaration's content.
-std::optional<std::pair<std::string_view, std::string_view>> takeAttribute(std::string_view& text) {
-    const auto name = takeUntil(text, [](char c) { return isWhiteSpace(c) || c == '='; });
-    trimFront(text);
-    if (!text.starts_with('=')) return std::nullopt;
-    text.remove_prefix(1);
-    trimFront(text);
-    if (!text.starts_with('"') && !text.starts_with('\'')) return std::nullopt;
-    const std::size_t end = text.find(text.front(), 1);
-    if (end == text.npos) return std::nullopt;
-    const std::string_view value = text.substr(1, end - 1);
-    text.remove_prefix(end + 1);
-    return std::pair{name, value};
-}
+bool isWhiteSpace(char c) { return spaces[static_cast<unsigned char>(c)]; }
 
-/// Compares with `lowerCase`, where only the letters A to Z have a lower case.
-bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) {
-    return std::equal(text.begin(), text.end(), lowerCase.begin(), lowerCase.end(),
-                      [](char c, char lower) {
-                          return (c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c) == lower;
-                      });
-}
-
-bool declaresUTF8(std::string_view attributes) {
-    for (trimFront(attributes); !attributes.empty(); trimFront(attributes)) {
-        const auto attribute = takeAttribute(attributes);
-        if (!attribute) return false;
-        const auto& [name, value] = *attribute;
-        if (name == "encoding" && !equalsIgnoringCase(value, "utf-8") &&
-            !equalsIgnoringCase(value, "us-ascii")) {
-            return false;
-        }
-    }
-    return true;
-}
+bool endsName(char c) { return nameEnds[static_cast<unsigned char>(c)]; }
 
 /// The character that a numeric reference's content stands for, without "#": "65" or "x41".
 std::optional<std::uint32_t> characterNumber(std::string_view text) {
+    constexpr std::uint32_t lastCodePoint = 0x10FFFF;
     const bool isHex = text.starts_with('x');
     if (isHex) text.remove_prefix(1);
     std::uint32_t number = 0;
     const char* const last = text.data() + text.size();
     const auto end = std::from_chars(text.data(), last, number, isHex ? 16 : 10);
-    if (end.ec != std::errc{} || end.ptr != last) return std::nullopt;
+    if (end.ec != std::errc{} || end.ptr != last || number > lastCodePoint) return std::nullopt;
     return number;
 }
 
@@ -84,37 +50,30 @@ std::optional<std::uint32_t> namedCharacter(std::string_view name) {
     return std::nullopt;
 }
 
+/// Moves the bytes from `first` to `last` down to `text`, and `text` past them.
+void moveTo(char*& text, const char* first, const char* last) {
+    const auto size = static_cast<std::size_t>(last - first);
+    if (text != first) std::memmove(text, first, size);
+    text += size;
+}
+
 }  // namespace
 
-bool XMLScanner::consume(std::string_view token) {
-    if (!rest_.starts_with(token)) return false;
-    rest_.remove_prefix(token.size());
-    return true;
-}
-
 bool XMLScanner::skipPast(std::string_view token) {
-    const std::size_t start = rest_.find(token);
-    if (start == rest_.npos) return false;
-    rest_.remove_prefix(start + token.size());
+    const std::size_t start = rest().find(token);
+    if (start == std::string_view::npos) return false;
+    next_ += start + token.size();
     return true;
 }
 
-void XMLScanner::skipWhiteSpace() { trimFront(rest_); }
-
-/// Past the rest of a processing instruction, which must not declare an unknown encoding.
-bool XMLScanner::skipInstruction() {
-    const std::size_t end = rest_.find("?>");
-    if (end == rest_.npos) return false;
-    std::string_view content = rest_.substr(0, end);
-    rest_.remove_prefix(end + 2);
-    const std::string_view target = takeUntil(content, isWhiteSpace);
-    return target != "xml" || declaresUTF8(content);
+void XMLScanner::skipWhiteSpace() {
+    while (next_ != end_ && isWhiteSpace(*next_)) ++next_;
 }
 
 /// Past the rest of a document type. What its internal subset declares is not used.
 bool XMLScanner::skipDocumentType() {
     bool isInSubset = false;
-    while (!rest_.empty()) {
+    while (next_ != end_) {
         if (consume("<!--")) {
             if (!skipPast("-->")) return false;
             continue;
@@ -123,8 +82,8 @@ bool XMLScanner::skipDocumentType() {
             if (!skipPast("?>")) return false;
             continue;
         }
-        const std::string_view character = rest_.substr(0, 1);
-        rest_.remove_prefix(1);
+        const std::string_view character = rest().substr(0, 1);
+        ++next_;
         if (character == ">" && !isInSubset) return true;
         if (character == "[") isInSubset = true;
         if (character == "]") isInSubset = false;
@@ -137,11 +96,11 @@ bool XMLScanner::skipDocumentType() {
 bool XMLScanner::skipMarkup() {
     for (;;) {
         skipWhiteSpace();
-        if (!rest_.starts_with("<!") && !rest_.starts_with("<?")) return true;
+        if (!isAt("<!") && !isAt("<?")) return true;
         if (consume("<!--")) {
             if (!skipPast("-->")) return false;
         } else if (consume("<?")) {
-            if (!skipInstruction()) return false;
+            if (!skipPast("?>")) return false;
         } else if (isBeforeFirstTag_ && consume("<!DOCTYPE")) {
             isBeforeFirstTag_ = false;
             if (!skipDocumentType()) return false;
@@ -152,21 +111,27 @@ bool XMLScanner::skipMarkup() {
 }
 
 std::string_view XMLScanner::takeName() {
-    return takeUntil(rest_, [](char c) { return isWhiteSpace(c) || c == '/' || c == '>'; });
+    const char* const start = next_;
+    while (next_ != end_ && !endsName(*next_)) ++next_;
+    return {start, static_cast<std::size_t>(next_ - start)};
+}
+
+/// Past the rest of a start tag, but for "/>" or ">".
+bool XMLScanner::skipAttributes() {
+    while (next_ != end_ && *next_ != '>' && *next_ != '<' && !isAt("/>")) {
+        const std::string_view character = rest().substr(0, 1);
+        ++next_;
+        if ((character == "\"" || character == "'") && !skipPast(character)) return false;
+    }
+    return true;
 }
 
 XMLScanner::Tag XMLScanner::startTag() {
     isBeforeFirstTag_ = false;
     const std::string_view name = takeName();
-    bool isEmpty = false;
-    while (!rest_.empty()) {
-        const std::string_view character = rest_.substr(0, 1);
-        rest_.remove_prefix(1);
-        if (character == ">") return {isEmpty ? Kind::empty : Kind::start, name};
-        if (character == "<") break;
-        if ((character == "\"" || character == "'") && !skipPast(character)) break;
-        isEmpty = character == "/";
-    }
+    if (!isAt(">") && !skipAttributes()) return {Kind::malformed, {}};
+    if (consume(">")) return {Kind::start, name};
+    if (consume("/>")) return {Kind::empty, name};
     return {Kind::malformed, {}};
 }
 
@@ -178,44 +143,68 @@ XMLScanner::Tag XMLScanner::endTag() {
 }
 
 XMLScanner::Tag XMLScanner::next() {
-    if (!skipMarkup()) return {Kind::malformed, {}};
-    if (rest_.empty()) return {Kind::finished, {}};
-    if (consume("</")) return endTag();
-    if (consume("<")) return startTag();
-    return {Kind::malformed, {}};
+    if (!skipMarkup() || !consume("<")) return {Kind::malformed, {}};
+    return consume("/") ? endTag() : startTag();
 }
 
-bool XMLScanner::appendReference(std::string& text) {
-    const std::size_t end = rest_.find(';');
-    if (end == rest_.npos) return false;
-    const std::string_view name = rest_.substr(0, end);
-    rest_.remove_prefix(end + 1);
+bool XMLScanner::takeEnd(std::string_view name) {
+    const std::string_view text = rest();
+    const std::size_t size = name.size() + 3;
+    const bool isUsual = text.size() >= size && text.starts_with("</") &&
+                         text.substr(2, name.size()) == name && text[size - 1] == '>';
+    if (isUsual) next_ += size;
+    return isUsual || (consume("</") && endTag().name == name);
+}
+
+bool XMLScanner::takeReference(char*& text) {
+    const std::size_t size = rest().find(';');
+    if (size == std::string_view::npos) return false;
+    const std::string_view name = rest().substr(0, size);
     const auto character =
         name.starts_with('#') ? characterNumber(name.substr(1)) : namedCharacter(name);
-    return character && appendUTF8(text, *character);
-}
-
-bool XMLScanner::appendMarkup(std::string& text) {
-    if (consume("&")) return appendReference(text);
-    if (consume("<!--")) return skipPast("-->");
-    if (consume("<?")) return skipInstruction();
-    if (!consume("<![CDATA[")) return false;
-    const std::size_t end = rest_.find("]]>");
-    if (end == rest_.npos) return false;
-    text.append(rest_.substr(0, end));
-    rest_.remove_prefix(end + 3);
+    if (!character) return false;
+    next_ += size + 1;
+    text = putUTF8(text, *character);
     return true;
 }
 
-std::optional<std::string> XMLScanner::text() {
-    const auto isMarkup = [](char c) { return c == '<' || c == '&'; };
-    std::string text;
-    for (;;) {
-        text.append(takeUntil(rest_, isMarkup));
-        if (rest_.empty()) return std::nullopt;
-        if (rest_.starts_with("</")) return text;
-        if (!appendMarkup(text)) return std::nullopt;
+/// Takes what is no character of a text and puts down what it stands for. No markup is shorter than
+/// that.
+bool XMLScanner::takeMarkup(char*& text) {
+    if (consume("&")) return takeReference(text);
+    if (consume("<!--")) return skipPast("-->");
+    if (isAt("<?xml") && rest().size() > 5 && isWhiteSpace(next_[5])) return false;
+    if (consume("<?")) return skipPast("?>");
+    if (!consume("<![CDATA[")) return false;
+    const std::size_t size = rest().find("]]>");
+    if (size == std::string_view::npos) return false;
+    moveTo(text, next_, next_ + size);
+    next_ += size + 3;
+    return true;
+}
+
+/// A text that goes on here with more than plain characters.
+std::optional<XMLScanner::Text> XMLScanner::markedText(char* start) {
+    char* text = next_;
+    while (next_ != end_) {
+        const char* const run = next_;
+        next_ = std::find_if(next_, end_, [](char c) { return c == '<' || c == '&'; });
+        moveTo(text, run, next_);
+        if (isAt("</")) {
+            const std::string_view characters{start, static_cast<std::size_t>(text - start)};
+            if (!isUTF8(characters)) return std::nullopt;
+            return Text{characters, isPlain(characters)};
+        }
+        if (!takeMarkup(text)) return std::nullopt;
     }
+    return std::nullopt;
+}
+
+std::optional<XMLScanner::Text> XMLScanner::text() {
+    char* const start = next_;
+    next_ += plainLength(rest());
+    if (!isAt("</")) return markedText(start);
+    return Text{{start, static_cast<std::size_t>(next_ - start)}, true};
 }
 
 }  // namespace quillet::standin

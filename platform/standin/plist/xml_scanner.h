@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,38 +12,60 @@ namespace quillet::standin {
 /// one. Knows of no element's meaning; defines no entities but XML's own five.
 class XMLScanner {
 public:
-    enum class Kind { start, end, empty, finished, malformed };
+    enum class Kind { start, end, empty, malformed };
     struct Tag {
         Kind kind;
-        /// A part of the document. Empty when the document is finished or malformed.
+        /// A part of the document. Empty when it is malformed.
         std::string_view name;
     };
+    struct Text {
+        std::string_view characters;
+        /// That nothing in it needs to be escaped.
+        bool isPlain;
+    };
 
-    /// Shares `document`, whose bytes must outlive the scanner and its tags.
-    explicit XMLScanner(std::string_view document) : rest_{document} {}
+    /// Works on `document`, which must outlive the scanner, its tags and its texts: a text with
+    /// references in it is put together in its own place.
+    explicit XMLScanner(std::string& document)
+        : start_{document.data()}, next_{start_}, end_{start_ + document.size()} {}
 
     /// The next tag, past white space, comments and processing instructions and, before the first
     /// tag, a document type. Attributes are skipped.
     Tag next();
 
-    /// The text up to the next end tag, which next() then gives. Nothing when it is malformed or
-    /// holds another element.
-    std::optional<std::string> text();
+    /// The text up to the next end tag, which next() then gives. Nothing when it is malformed, is
+    /// no UTF-8 or holds another element.
+    std::optional<Text> text();
+
+    /// Takes the end tag of `name`. False when something else comes next.
+    bool takeEnd(std::string_view name);
+
+    /// How far the scanner has come, in bytes.
+    std::size_t offset() const { return static_cast<std::size_t>(next_ - start_); }
 
 private:
-    bool consume(std::string_view token);
+    std::string_view rest() const { return {next_, static_cast<std::size_t>(end_ - next_)}; }
+    bool isAt(std::string_view token) const { return rest().starts_with(token); }
+    bool consume(std::string_view token) {
+        if (!isAt(token)) return false;
+        next_ += token.size();
+        return true;
+    }
     bool skipPast(std::string_view token);
     void skipWhiteSpace();
     bool skipMarkup();
-    bool skipInstruction();
     bool skipDocumentType();
-    bool appendMarkup(std::string& text);
-    bool appendReference(std::string& text);
     std::string_view takeName();
     Tag startTag();
+    bool skipAttributes();
     Tag endTag();
+    std::optional<Text> markedText(char* start);
+    bool takeMarkup(char*& text);
+    bool takeReference(char*& text);
 
-    std::string_view rest_;
+    char* start_;
+    char* next_;
+    char* end_;
     bool isBeforeFirstTag_ = true;
 };
 

@@ -11,8 +11,8 @@ namespace quillet::standin {
 namespace {
 
 std::string string(const Dictionary& dictionary, std::string_view key) {
-    const Value* const value = dictionary.find(key);
-    const auto* const string = value ? std::get_if<std::string>(value) : nullptr;
+    const auto value = dictionary.find(key);
+    const auto* const string = value ? std::get_if<std::string>(&*value) : nullptr;
     return string ? *string : std::string{};
 }
 

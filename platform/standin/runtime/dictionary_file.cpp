@@ -10,8 +10,8 @@
 namespace quillet::standin {
 
 std::optional<Dictionary> readDictionary(const std::filesystem::path& path) {
-    const auto bytes = readFile(path);
-    auto value = bytes ? readPropertyList(*bytes) : std::nullopt;
+    auto bytes = readFile(path);
+    auto value = bytes ? readPropertyList(*std::move(bytes)) : std::nullopt;
     auto* const dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
     return dictionary ? std::optional{std::move(*dictionary)} : std::nullopt;
 }

@@ -14,6 +14,7 @@ struct ClassName {
     const char* operator()(const Data&) const { return "NSData"; }
     const char* operator()(const Date&) const { return "NSDate"; }
     const char* operator()(const Dictionary&) const { return "NSDictionary"; }
+    const char* operator()(UID) const { return "NSUID"; }
     const char* operator()(const std::string&) const { return "NSString"; }
     const char* operator()(auto /*number*/) const { return "NSNumber"; }
 };
@@ -27,7 +28,7 @@ std::string ValueInstance::className() const {
 std::string ValueInstance::description() const {
     const auto* const dictionary = std::get_if<Dictionary>(&value);
     if (dictionary == nullptr) return Instance::description();
-    return "<" + className() + ": " + std::to_string(dictionary->entries().size()) + " entries>";
+    return "<" + className() + ": " + std::to_string(dictionary->size()) + " entries>";
 }
 
 bool HostInstance::respondsToSelector(std::string_view selector) const {

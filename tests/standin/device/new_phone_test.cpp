@@ -79,8 +79,8 @@ void expectNewPhone(const fs::path& root) {
     const DeviceRoot device = deviceAt(root);
     EXPECT_EQ(valueIn(device.below(preferences)), (Dictionary{{"vibrate-when-off", true}}));
     const auto settings = std::get<Dictionary>(valueIn(device.below(springBoard)));
-    ASSERT_NE(settings.find("ring-vibrate"), nullptr);
-    ASSERT_NE(settings.find("silent-vibrate"), nullptr);
+    ASSERT_TRUE(settings.find("ring-vibrate"));
+    ASSERT_TRUE(settings.find("silent-vibrate"));
     EXPECT_EQ(*settings.find("ring-vibrate"), Value{true});
     EXPECT_EQ(*settings.find("silent-vibrate"), Value{true});
     EXPECT_TRUE(fs::is_regular_file(device.below(graphicsServices)));

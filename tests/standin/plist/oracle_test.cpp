@@ -86,6 +86,11 @@ struct Matches {
         const char* const bytes = plist_get_data_ptr(node, &size);
         return is(PLIST_DATA) && data.bytes == std::string_view{bytes, size};
     }
+    bool operator()(UID uid) const {
+        std::uint64_t theirs = 0;
+        plist_get_uid_val(node, &theirs);
+        return is(PLIST_UID) && theirs == uid.number;
+    }
     // Its reading has 32 bits of seconds; dates beyond them are compared by way of its files.
     bool operator()(Date date) const {
         std::int32_t seconds = 0;
@@ -96,12 +101,13 @@ struct Matches {
     bool operator()(const Array& array) const {
         if (!is(PLIST_ARRAY) || plist_array_get_size(node) != array.size()) return false;
         std::uint32_t index = 0;
-        return std::all_of(array.begin(), array.end(), [&](const Value& value) {
+        const auto elements = array.elements();
+        return std::all_of(elements.begin(), elements.end(), [&](const Value& value) {
             return std::visit(Matches{plist_array_get_item(node, index++)}, value);
         });
     }
     bool operator()(const Dictionary& dictionary) const {
-        const auto& entries = dictionary.entries();
+        const auto entries = dictionary.entries();
         if (!is(PLIST_DICT) || plist_dict_get_size(node) != entries.size()) return false;
         return std::all_of(entries.begin(), entries.end(), [&](const Entry& entry) {
             const plist_t item = plist_dict_get_item(node, entry.key.c_str());
@@ -174,9 +180,9 @@ private:
     }
 
     Value array(int depth) {
-        Array result;
+        std::vector<Value> result;
         for (std::uint64_t i = below(6); i > 0; --i) result.push_back(value(depth));
-        return result;
+        return Array{result};
     }
 
     std::mt19937_64 random_;
@@ -204,11 +210,11 @@ TEST(PropertyListOracle, EarlyDatesAgreeInTheBinaryForm) {
 }
 
 TEST(PropertyListOracle, LargeFilesAgreeInBothForms) {
-    Array elements;
+    std::vector<Value> elements;
     for (int i = 0; i < 70000; ++i) {
         elements.push_back(Dictionary{{"name", "n" + std::to_string(i)}, {"shared", "value"}});
     }
-    const Value value = Dictionary{{"elements", elements}};
+    const Value value = Dictionary{{"elements", Array{elements}}};
     const Node node = nodeFrom(writePropertyList(value));
     ASSERT_TRUE(node);
     EXPECT_EQ(readPropertyList(binaryOf(node)), value);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/standin/plist/value.h"
+#include "platform/standin/plist/readings.h"
 
 #include <gtest/gtest.h>
 
@@ -52,8 +52,8 @@ TEST(Value, AStringReadsAsNoWhenAZeroByteComesFirst) {
 }
 
 TEST(Value, OtherKindsHaveNoReadings) {
-    for (const Value& value :
-         {Value{Data{"1"}}, Value{Date{1}}, Value{Array{1, 2}}, Value{Dictionary{{"a", 1}}}}) {
+    for (const Value& value : {Value{Data{"1"}}, Value{Date{1}}, Value{UID{1}}, Value{Array{1, 2}},
+                               Value{Dictionary{{"a", 1}}}}) {
         EXPECT_EQ(boolValue(value), std::nullopt);
         EXPECT_EQ(floatValue(value), std::nullopt);
     }
@@ -162,20 +162,21 @@ TEST(Dictionary, ManyEntriesWithFewKeysMergeInReasonableTime) {
     std::vector<Entry> entries;
     for (int i = 0; i < count; ++i) entries.push_back({std::to_string(i % (count / 2)), i});
     const Dictionary dictionary{entries};
-    ASSERT_EQ(dictionary.entries().size(), std::size_t{count / 2});
-    EXPECT_EQ(dictionary.entries().front(), (Entry{"0", count / 2}));
-    EXPECT_EQ(dictionary.entries().back(), (Entry{std::to_string(count / 2 - 1), count - 1}));
+    const auto left = dictionary.entries();
+    ASSERT_EQ(left.size(), std::size_t{count / 2});
+    EXPECT_EQ(left.front(), (Entry{"0", count / 2}));
+    EXPECT_EQ(left.back(), (Entry{std::to_string(count / 2 - 1), count - 1}));
 }
 
 TEST(Dictionary, FindsValuesByTheExactKey) {
     const Dictionary dictionary{{"key", 1}, {"", 2}};
-    ASSERT_NE(dictionary.find("key"), nullptr);
+    ASSERT_TRUE(dictionary.find("key"));
     EXPECT_EQ(*dictionary.find("key"), Value{1});
     EXPECT_EQ(*dictionary.find(""), Value{2});
     for (const char* absent : {"Key", "ke", "keys", " key"}) {
-        EXPECT_EQ(dictionary.find(absent), nullptr) << absent;
+        EXPECT_EQ(dictionary.find(absent), std::nullopt) << absent;
     }
-    EXPECT_EQ(Dictionary{}.find("key"), nullptr);
+    EXPECT_EQ(Dictionary{}.find("key"), std::nullopt);
 }
 
 TEST(Dictionary, SettingReplacesInPlaceOrAppends) {

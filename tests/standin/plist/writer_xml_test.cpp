@@ -25,7 +25,8 @@ std::string document(const std::string& content) { return prolog + content + "\n
 Value nested(int depth) {
     Value value = Array();
     for (int i = 1; i < depth; ++i) {
-        value = i % 2 == 0 ? Value{Array(1, value)} : Value{Dictionary{{"k", value}}};
+        value =
+            i % 2 == 0 ? Value{Array{std::vector<Value>{value}}} : Value{Dictionary{{"k", value}}};
     }
     return value;
 }
@@ -133,12 +134,22 @@ TEST(PropertyListWriter, WritesTheWholeSecondThatADateFallsIn) {
                  {97445, "2001-01-02T03:04:05Z"},
                  {-63113904000, "0001-01-01T00:00:00Z"},
                  {252423993599.75, "9999-12-31T23:59:59Z"},
-                 {1e300, "9999-12-31T23:59:59Z"},
-                 {-1e300, "0001-01-01T00:00:00Z"},
+                 {252423993600, "10000-01-01T00:00:00Z"},
+                 {-63114076800, "0000-12-30T00:00:00Z"},
+                 {-63177062400, "-0001-01-01T00:00:00Z"},
+                 {1e300, "2147483647-12-31T23:59:59Z"},
+                 {-1e300, "-2147483647-01-01T00:00:00Z"},
                  {std::numeric_limits<double>::quiet_NaN(), "0001-01-01T00:00:00Z"}};
     for (const auto& [seconds, text] : cases) {
         EXPECT_EQ(written(Date{seconds}), document(std::string{"<date>"} + text + "</date>"));
     }
+}
+
+TEST(PropertyListWriter, WritesAnIdentifierAsADictionaryThatReadsBackAsOne) {
+    EXPECT_EQ(written(UID{7}), document("<dict>\n\t<key>CF$UID</key>\n"
+                                        "\t<integer>7</integer>\n</dict>"));
+    const Value value = Dictionary{{"root", Array{UID{0}, UID{1}}}};
+    EXPECT_EQ(readXMLPropertyList(written(value)), value);
 }
 
 TEST(PropertyListWriter, WritesDataInLinesOf68Characters) {
@@ -156,21 +167,21 @@ TEST(PropertyListWriter, WhatItWritesReadsBackEqual) {
     for (char c = 0; c < 0x7F; ++c) everyByteOfASCII += c;
     std::string everyByte;
     for (int c = 0; c < 256; ++c) everyByte += static_cast<char>(c);
-    Array values{true,
-                 false,
-                 0,
-                 std::numeric_limits<std::int64_t>::min(),
-                 std::uint64_t{1} << 63,
-                 0.1,
-                 -std::numeric_limits<double>::infinity(),
-                 everyByteOfASCII,
-                 "\u0080\u20AC\uFFFF\U0010FFFF",
-                 Date{-1},
-                 Dictionary{{everyByteOfASCII, Array()}, {"", Dictionary{}}}};
+    std::vector<Value> values{true,
+                              false,
+                              0,
+                              std::numeric_limits<std::int64_t>::min(),
+                              std::uint64_t{1} << 63,
+                              0.1,
+                              -std::numeric_limits<double>::infinity(),
+                              everyByteOfASCII,
+                              "\u0080\u20AC\uFFFF\U0010FFFF",
+                              Date{-1},
+                              Dictionary{{everyByteOfASCII, Array()}, {"", Dictionary{}}}};
     for (std::size_t size = 0; size <= everyByte.size(); ++size) {
         values.push_back(Data{everyByte.substr(everyByte.size() - size)});
     }
-    EXPECT_EQ(readXMLPropertyList(written(values)), Value{values});
+    EXPECT_EQ(readXMLPropertyList(written(Array{values})), Value{Array{values}});
     EXPECT_EQ(readXMLPropertyList(written(nested(maxDepth))), nested(maxDepth));
 }
 
@@ -184,7 +195,7 @@ TEST(PropertyListWriter, RealsOfAnyBitsReadBackTheSame) {
 }
 
 TEST(PropertyListWriter, EveryDayReadsBackTheSame) {
-    for (double day = -730485; day < 2921554; day += 17) {
+    for (double day = -1096000; day < 5000000; day += 17) {
         const Value date = Date{day * 86400 + 3661};
         ASSERT_EQ(readXMLPropertyList(written(date)), date) << day;
     }

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/standin/plist/tape.h"
+
+namespace quillet::standin {
+
+/// The high half of an object's first byte in a binary property list; the low half, its info, is
+/// what stands in brackets:
+///
+///     flag       [8] false | [9] true
+///     integer    [n] 2^n bytes, n up to 4: unsigned up to four bytes, signed from eight on
+///     real       [2] 4 bytes | [3] 8 bytes
+///     date       [3] 8 bytes, a real number of seconds
+///     data       [count] bytes
+///     ascii      [count] bytes
+///     utf16      [count] units of two bytes
+///     uid        [n] n + 1 bytes
+///     array      [count] references
+///     dictionary [count] references to keys, as many to values
+///
+/// A count of 15 or more is info 15 and an integer object. Numbers begin with the high byte.
+enum class Marker : std::uint8_t {
+    flag = 0x0,
+    integer = 0x1,
+    real = 0x2,
+    date = 0x3,
+    data = 0x4,
+    ascii = 0x5,
+    utf16 = 0x6,
+    uid = 0x8,
+    array = 0xA,
+    dictionary = 0xD
+};
+
+/// The unsigned number in `bytes`, of which the last eight count.
+inline std::uint64_t bigEndian(std::string_view bytes) {
+    std::uint64_t number = 0;
+    for (const char byte : bytes) number = number << 8 | static_cast<unsigned char>(byte);
+    return number;
+}
+
+/// An object's first byte, split, and what follows it up to the end of all objects.
+struct StoredObject {
+    Marker marker = Marker::flag;
+    unsigned info = 0;
+    std::string_view rest;
+};
+
+/// Takes the next `size` bytes, which must be there.
+std::string_view takeBytes(StoredObject& object, std::size_t size);
+
+/// Takes an object's count. Nothing when the object lacks the room for so many elements of
+/// `elementSize` bytes.
+std::optional<std::size_t> takeCount(StoredObject& object, std::size_t elementSize);
+
+/// The value of an object that is neither a text nor a container. Nothing when it is malformed.
+std::optional<Node> singleIn(StoredObject object);
+
+/// A string's or data's bytes as they stand in the file.
+struct StoredText {
+    Kind kind = Kind::string;
+    bool isUTF16 = false;
+    std::string_view bytes;
+};
+
+/// Nothing for another object, or one that is cut short.
+std::optional<StoredText> textIn(StoredObject object);
+
+/// Puts a string's characters into `text`. False when its bytes are UTF-8 as they are.
+bool decode(const StoredText& stored, std::string& text);
+
+}  // namespace quillet::standin

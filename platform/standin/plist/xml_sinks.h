@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+#include "platform/standin/plist/base64.h"
+
+namespace quillet::standin {
+
+/// As many as a line of a usual file begins with, and more.
+inline constexpr std::string_view tabs = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+
+/// What measures: the sink that only counts.
+class Measure {
+public:
+    explicit Measure(std::size_t limit) : limit_{limit} {}
+
+    void put(std::string_view text) { size_ += text.size(); }
+    void put(char /*c*/) { ++size_; }
+    void putTabs(std::size_t count) { size_ += count; }
+    void putBase64(std::string_view bytes) { size_ += base64Size(bytes.size()); }
+
+    std::size_t size() const { return size_; }
+    bool isFull() const { return size_ > limit_; }
+
+private:
+    std::size_t limit_;
+    std::size_t size_ = 0;
+};
+
+/// What writes, to where there is room for all that a measure has counted, and for tabs.
+class Pen {
+public:
+    explicit Pen(char* next) : next_{next} {}
+
+    void put(std::string_view text) { next_ += text.copy(next_, text.size()); }
+    void put(char c) { *next_++ = c; }
+    void putTabs(std::size_t count) {
+        // All at once, where there is always room for as many: what is too much is written over.
+        for (; count > tabs.size(); count -= tabs.size()) put(tabs);
+        std::memcpy(next_, tabs.data(), tabs.size());
+        next_ += count;
+    }
+    void putBase64(std::string_view bytes) {
+        encodeBase64(bytes, next_);
+        next_ += base64Size(bytes.size());
+    }
+
+    static bool isFull() { return false; }
+
+private:
+    char* next_;
+};
+
+}  // namespace quillet::standin

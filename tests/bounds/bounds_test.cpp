@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+//
+// Whatever the bytes are: the memory and the time that they take are in proportion to their number,
+// and the stack does not depend on them.
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <time.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/standin/plist/property_list.h"
+#include "tests/bounds/counted_memory.h"
+#include "tests/bounds/hostile_shapes.h"
+
+namespace quillet::standin {
+namespace {
+
+/// The processor's time that this thread has taken, in seconds.
+double now() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+/// Reads and writes again, as a flip does.
+void rewrite(std::string bytes) {
+    const auto value = readPropertyList(std::move(bytes));
+    if (value) rewritePropertyList(*value);
+}
+
+class Bounds : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(Bounds, ReadingAndWritingAgainTakesMemoryAndTimeInProportionToTheSize) {
+    // An optimised build takes a small part of the time; the rest is for checks and sanitizers.
+    constexpr double slowness = 50;
+    for (const auto& [name, bytes] : hostileShapes(GetParam())) {
+        const test::CountedMemory memory;
+        const double start = now();
+        rewrite(bytes);
+        EXPECT_LE(memory.peak(), 64 * bytes.size() + (std::size_t{4} << 20U)) << name;
+        EXPECT_LE(now() - start, slowness * (0.01 + 200e-9 * static_cast<double>(bytes.size())))
+            << name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AtEverySize, Bounds,
+                         testing::Values(std::size_t{10000}, std::size_t{100000},
+                                         std::size_t{1000000}));
+
+TEST(Limits, WhatWouldTakeTooMuchToWriteIsReadAndNotWritten) {
+    for (const auto& [name, bytes] : hostileShapes(1000000)) {
+        if (name != "deep flags") continue;
+        const auto value = readPropertyList(bytes);
+        ASSERT_TRUE(value);
+        EXPECT_EQ(rewritePropertyList(*value), std::nullopt);
+        return;
+    }
+    FAIL() << "there is no such shape";
+}
+
+TEST(Limits, WhatIsAddedToAValueCountsForIt) {
+    Dictionary dictionary;
+    dictionary.set("data", Data{std::string(10000000, 'a')});
+    EXPECT_TRUE(rewritePropertyList(dictionary));
+    auto read = readPropertyList("<dict/>");
+    ASSERT_TRUE(read);
+    std::get<Dictionary>(*read).set("data", Data{std::string(10000000, 'a')});
+    EXPECT_TRUE(rewritePropertyList(*read));
+}
+
+/// Runs `work` on a stack of its own. Returns how many bytes of that were touched.
+std::size_t stackTakenBy(const std::function<void()>& work) {
+    constexpr std::size_t size = std::size_t{8} << 20U;
+    constexpr char untouched = '\x5A';
+    std::vector<char> stack(size, untouched);
+    pthread_attr_t attributes{};
+    pthread_attr_init(&attributes);
+    pthread_attr_setstack(&attributes, stack.data(), stack.size());
+    pthread_t thread{};
+    const auto run = [](void* function) -> void* {
+        (*static_cast<const std::function<void()>*>(function))();
+        return nullptr;
+    };
+    auto* const argument = const_cast<std::function<void()>*>(&work);
+    const int error = pthread_create(&thread, &attributes, run, argument);
+    pthread_attr_destroy(&attributes);
+    if (error != 0) return size;
+    pthread_join(thread, nullptr);
+    const auto touched =
+        std::find_if(stack.begin(), stack.end(), [](char byte) { return byte != untouched; });
+    return static_cast<std::size_t>(stack.end() - touched);
+}
+
+void readCopyChangeCompareAndDestroy(const std::string& bytes) {
+    const auto value = readPropertyList(bytes);
+    if (!value) return;
+    auto copy = value;
+    EXPECT_EQ(copy, value);
+    if (auto* const dictionary = std::get_if<Dictionary>(&*copy)) dictionary->set("new", *value);
+    EXPECT_EQ(readPropertyList(bytes).has_value(), value.has_value());
+    rewritePropertyList(*copy);
+}
+
+TEST(Limits, TheStackIs128KilobytesAtMost) {
+    const std::size_t thread = stackTakenBy([] {});
+    std::string deep;
+    for (int i = 0; i < maxDepth; ++i) deep += "<dict><key>k</key>";
+    auto shapes = hostileShapes(20000);
+    shapes.push_back({"nested dictionaries", deep.substr(0, deep.size() - 12) + "</dict>"});
+    for (int i = 1; i < maxDepth; ++i) shapes.back().bytes += "</dict>";
+    ASSERT_TRUE(readPropertyList(shapes.back().bytes));
+    for (const auto& [name, bytes] : shapes) {
+        const auto taken = stackTakenBy([&] { readCopyChangeCompareAndDestroy(bytes); });
+        EXPECT_LE(taken - thread, std::size_t{128} << 10U) << name;
+    }
+}
+
+TEST(Limits, AValueThatIsWrappedAgainAndAgainTakesNoMoreStack) {
+    const std::size_t thread = stackTakenBy([] {});
+    const auto taken = stackTakenBy([] {
+        Value value = Array{};
+        for (int i = 0; i < 2000; ++i) value = Array{std::vector<Value>{value}};
+        const Value copy = value;
+        EXPECT_EQ(copy, value);
+        EXPECT_NE(copy, (Array{std::vector<Value>{value}}));
+        EXPECT_FALSE(writePropertyList(value).empty());
+    });
+    EXPECT_LE(taken - thread, std::size_t{128} << 10U);
+}
+
+}  // namespace
+}  // namespace quillet::standin

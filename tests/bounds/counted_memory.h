@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+
+namespace quillet::test {
+
+/// What operator new has handed out and not taken back, in a program that this is linked into.
+/// Beginning a count sets the peak to what is in use.
+class CountedMemory {
+public:
+    CountedMemory();
+
+    /// The most that was in use at once since the count began, over what was in use then.
+    std::size_t peak() const;
+
+private:
+    std::size_t before_;
+};
+
+}  // namespace quillet::test
