@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include <cmath>
+//
+// Any bytes are read, changed and written, and what was written is read and written again:
+//
+//     property_list_seeds SEEDS
+//     property_list_fuzzer -dict=fuzz/property_list.dict -rss_limit_mb=1024 CORPUS SEEDS
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
+#include <variant>
 
 #include "platform/standin/plist/property_list.h"
 
@@ -17,37 +19,38 @@ void require(bool condition) {
     if (!condition) __builtin_trap();
 }
 
-/// `value` as the XML form keeps it: dates in whole seconds. NaN, equal to nothing, becomes 0.
-Value comparable(const Value& value) {
-    if (const auto* number = std::get_if<double>(&value)) {
-        return std::isnan(*number) ? 0.0 : *number;
-    }
-    if (const auto* date = std::get_if<Date>(&value)) return Date{std::floor(date->seconds)};
-    if (const auto* array = std::get_if<Array>(&value)) {
-        Array copy;
-        for (const Value& element : *array) copy.push_back(comparable(element));
-        return copy;
-    }
-    if (const auto* dictionary = std::get_if<Dictionary>(&value)) {
-        std::vector<Entry> copy;
-        for (const auto& [key, entry] : dictionary->entries()) {
-            copy.push_back({key, comparable(entry)});
-        }
-        return Dictionary{std::move(copy)};
-    }
-    return value;
+/// Compared as text, where dates have whole seconds, NaN is itself and entries have their order.
+void requireThatItSurvivesARewrite(const Value& value) {
+    const auto text = rewritePropertyList(value);
+    if (!text) return;
+    const auto again = readXMLPropertyList(*text);
+    require(again.has_value());
+    require(writePropertyList(*again) == *text);
+}
+
+/// A change leaves the value that it was made on as it was.
+void requireThatOthersKeepTheirs(const Dictionary& dictionary) {
+    Dictionary changed = dictionary;
+    changed.set("new", dictionary);
+    require(changed.find("new") == Value{dictionary} || !(dictionary == dictionary));
+    changed.erase("new");
+    if (!dictionary.find("new")) require(changed.size() == dictionary.size());
+    for (const Entry& entry : dictionary.entries()) changed.erase(entry.key);
+    require(changed.size() == 0);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto value = readPropertyList({reinterpret_cast<const char*>(data), size});
-    if (!value) return 0;
-    const std::string text = writePropertyList(*value);
-    const auto again = readXMLPropertyList(text);
-    require(again.has_value());
-    require(comparable(*again) == comparable(*value));
-    // Holds the order of the entries to account too, which equality does not regard.
-    require(writePropertyList(*again) == text);
+    Fault fault;
+    const std::string bytes{reinterpret_cast<const char*>(data), size};
+    const auto value = readPropertyList(bytes, &fault);
+    if (!value) {
+        require(*fault.reason != '\0');
+        return 0;
+    }
+    requireThatItSurvivesARewrite(*value);
+    const auto* const dictionary = std::get_if<Dictionary>(&*value);
+    if (dictionary != nullptr && dictionary->size() < 100) requireThatOthersKeepTheirs(*dictionary);
     return 0;
 }
