@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "springboard/suggestion.h"
 #include "springboard/usage_error.h"
 
 namespace quillet {
@@ -20,31 +21,41 @@ bool isOption(std::string_view word) {
     return word.starts_with('-') && word != "-" && !isNumber;
 }
 
-/// The long option of that name, or else the only one whose name begins so.
-const CLI::Option* find(const CLI::App& app, std::string_view name) {
+/// The option of that name, or else the only one whose long name begins so.
+const CLI::Option* find(const CLI::App& app, const std::string& name) {
     std::vector<const CLI::Option*> candidates;
     for (const CLI::Option* const option : app.get_options()) {
-        for (const std::string& known : option->get_lnames()) {
-            if (known == name) return option;
-            if (known.starts_with(name)) candidates.push_back(option);
-        }
+        if (option->get_positional()) continue;
+        if (option->check_name(name)) return option;
+        if (("--" + option->get_lnames().front()).starts_with(name)) candidates.push_back(option);
     }
     return candidates.size() == 1 ? candidates.front() : nullptr;
 }
 
-const CLI::Option& optionOf(const CLI::App& app, std::string_view word) {
-    const bool isLong = word.starts_with("--");
-    const std::string_view name = word.substr(0, word.find('='));
-    const CLI::Option* const option = isLong ? find(app, name.substr(2)) : nullptr;
-    if (option == nullptr) throw UsageError("no such option: " + inQuotes(word));
-    return *option;
+const CLI::Option& optionOf(const CLI::App& app, const std::string& word) {
+    const std::string name = word.substr(0, word.find('='));
+    if (const CLI::Option* const option = find(app, name)) return *option;
+    Words known;
+    for (const CLI::Option* const option : app.get_options()) {
+        known.push_back("--" + option->get_lnames().front());
+    }
+    throw UsageError("no such option: " + inQuotes(word) + suggestion(name, known));
 }
 
-/// The command of `app` that has that name.
-const CLI::App* commandOf(const CLI::App& app, const std::string& name) {
-    const auto found =
-        app.get_subcommands([&](const CLI::App* command) { return command->get_name() == name; });
-    return found.empty() ? nullptr : found.front();
+std::vector<const CLI::App*> commandsOf(const CLI::App& app) {
+    return app.get_subcommands([](const CLI::App*) { return true; });
+}
+
+/// The command of `app` that has that name, or null.
+const CLI::App* findCommand(const CLI::App& app, const std::string& name) {
+    const auto commands = commandsOf(app);
+    const auto found = std::ranges::find(commands, name, &CLI::App::get_name);
+    return found == commands.end() ? nullptr : *found;
+}
+
+/// Where a command takes words.
+std::vector<const CLI::Option*> placesOf(const CLI::App& command) {
+    return command.get_options([](const CLI::Option* option) { return option->get_positional(); });
 }
 
 bool isFlag(const CLI::Option& option) { return option.get_items_expected_max() == 0; }
@@ -56,7 +67,9 @@ public:
     Words arrange(const Words& line) {
         Position word = line.begin();
         while (word != line.end() && *word != "--") {
-            if (isOption(*word)) {
+            if (isOption(*word) && replacesCommand(*word)) {
+                word = line.end();
+            } else if (isOption(*word)) {
                 word = addOption(word, line.end());
             } else {
                 addWord(*word++);
@@ -75,11 +88,9 @@ private:
         options_.push_back("--" + option.get_lnames().front());
         if (sign != std::string::npos) {
             addJoined(option, *word, word->substr(sign + 1));
-        } else if (isFlag(option)) {
-            throwIfItAsks(option);
         } else if (option.get_type_name() == optionalFile) {
             options_.emplace_back();
-        } else {
+        } else if (!isFlag(option)) {
             if (word + 1 == end)
                 throw UsageError("option " + inQuotes(*word) + " needs an argument");
             options_.push_back(*++word);
@@ -95,13 +106,20 @@ private:
         options_.push_back(std::move(argument));
     }
 
-    void throwIfItAsks(const CLI::Option& option) const {
-        if (&option == app_.get_help_ptr()) throw CLI::CallForHelp();
-        if (&option == app_.get_version_ptr()) throw CLI::CallForVersion();
+    /// Whether the option at `word` has the name of a command, which then takes the line over.
+    bool replacesCommand(const std::string& word) {
+        const std::string& name = optionOf(app_, word).get_lnames().front();
+        const CLI::App* const command = findCommand(app_, name);
+        if (command == nullptr || word.find('=') != std::string::npos) return false;
+        const bool takesCommand = !placesOf(*command).empty() && command_ != &app_;
+        words_ = takesCommand ? Words{command_->get_name()} : Words{};
+        commands_ = {name};
+        command_ = command;
+        return true;
     }
 
     void addWord(const std::string& word) {
-        const CLI::App* const command = words_.empty() ? commandOf(*command_, word) : nullptr;
+        const CLI::App* const command = words_.empty() ? findCommand(*command_, word) : nullptr;
         if (command == nullptr) {
             words_.push_back(word);
         } else {
@@ -111,12 +129,8 @@ private:
     }
 
     void checkWords() const {
-        if (command_ == &app_) {
-            throw UsageError(words_.empty() ? "no command given"
-                                            : "no such command: " + inQuotes(words_.front()));
-        }
-        const auto places = command_->get_options(
-            [](const CLI::Option* option) { return option->get_positional(); });
+        if (command_ == &app_ && !words_.empty()) commandNamed(app_, words_.front());
+        const auto places = placesOf(*command_);
         if (words_.size() > places.size()) {
             throw UsageError("unexpected word: " + inQuotes(words_[places.size()]));
         }
@@ -143,6 +157,13 @@ private:
 };
 
 }  // namespace
+
+const CLI::App& commandNamed(const CLI::App& app, const std::string& name) {
+    if (const CLI::App* const command = findCommand(app, name)) return *command;
+    Words known;
+    for (const CLI::App* const command : commandsOf(app)) known.push_back(command->get_name());
+    throw UsageError("no such command: " + inQuotes(name) + suggestion(name, known));
+}
 
 Words arrange(const CLI::App& app, const Words& line) { return Arranger{app}.arrange(line); }
 

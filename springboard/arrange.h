@@ -10,13 +10,17 @@ namespace quillet {
 /// The type of an option whose argument may be left out.
 inline constexpr char optionalFile[] = "[=FILE]";
 
+/// The command of `app` that has that name. Throws UsageError where there is none.
+const CLI::App& commandNamed(const CLI::App& app, const std::string& name);
+
 /// Reads a command line as getopt_long(3) does, and puts it in order for `app`: the commands, their
 /// options with each argument a word of its own, "--", all other words. Options may stand anywhere
 /// before "--" and be shortened as long as one option begins so. An option of type optionalFile
-/// takes its argument behind "=" only and gets an empty one where there is none.
+/// takes its argument behind "=" only and gets an empty one where there is none. An option with the
+/// name of a command, such as "--help", stands for it, with the command before it as its word
+/// where it takes one, and ends the line. A line without any word is left without a command.
 ///
-/// Throws UsageError for what fits no command, option or place of `app`; CLI::CallForHelp or
-/// CLI::CallForVersion at the option that asks for it.
+/// Throws UsageError for what fits no command, option or place of `app`.
 std::vector<std::string> arrange(const CLI::App& app, const std::vector<std::string>& line);
 
 }  // namespace quillet

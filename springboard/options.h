@@ -7,15 +7,25 @@
 #include <string>
 
 #include "platform/standin/device/host_variant.h"
+#include "springboard/terminal.h"
 #include "springboard/trace_format.h"
 
 namespace quillet {
 
-enum class Command { state, flip, apply, watch, help, version };
+enum class Command {
+    /// There is no command.
+    none,
+    state,
+    flip,
+    apply,
+    watch,
+    /// Prints Options::text.
+    print,
+};
 
 /// What a command line asks for.
 struct Options {
-    Command command = Command::help;
+    Command command = Command::none;
     /// For flip: nothing is the tap. For apply it is always there.
     std::optional<std::int32_t> value;
     std::filesystem::path root;
@@ -27,6 +37,9 @@ struct Options {
     std::filesystem::path traceFile;
     TraceFormat traceFormat = TraceFormat::json;
     bool json = false;
+    Color color = Color::automatic;
+    /// What to say when nothing is to be done: the help, that of a command, the version.
+    std::string text;
 };
 
 /// Reads a command line. Options may stand anywhere. Throws UsageError.

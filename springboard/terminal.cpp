@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "springboard/terminal.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <string_view>
+
+namespace quillet {
+
+namespace {
+
+std::string_view environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
+bool hasColors(Color when, int descriptor) {
+    if (when != Color::automatic) return when == Color::always;
+    const std::string_view terminal = environment("TERM");
+    return isatty(descriptor) == 1 && !terminal.empty() && terminal != "dumb" &&
+           environment("NO_COLOR").empty();
+}
+
+std::string withBoldHeadings(const std::string& text) {
+    std::string bold;
+    std::istringstream lines{text};
+    for (std::string line; std::getline(lines, line);) {
+        const bool isHeading = line.ends_with(':') && !line.starts_with(' ');
+        bold += isHeading ? "\033[1m" + line + "\033[m\n" : line + '\n';
+    }
+    return bold;
+}
+
+}  // namespace quillet

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace quillet {
+
+/// When what is printed has colours: by itself means on a terminal.
+enum class Color { automatic, always, never };
+
+/// Whether what goes to the file `descriptor` has colours. By itself a terminal has, unless it is
+/// called "dumb" (TERM) or the user wants none (NO_COLOR is there and not empty).
+bool hasColors(Color when, int descriptor);
+
+/// `text` with its headings, lines without an indent that end with a colon, in bold.
+std::string withBoldHeadings(const std::string& text);
+
+}  // namespace quillet
