@@ -11,15 +11,15 @@ namespace quillet {
 
 namespace {
 
-using Row = std::vector<std::size_t>;
+using Costs = std::vector<std::size_t>;
 
 /// How many slips lead from one word to the other.
 std::size_t slips(std::string_view from, std::string_view to) {
-    Row beforeLast;
-    Row last(to.size() + 1);
+    Costs beforeLast;
+    Costs last(to.size() + 1);
     std::iota(last.begin(), last.end(), 0);
     for (std::size_t i = 1; i <= from.size(); ++i) {
-        Row row = {i};
+        Costs row = {i};
         for (std::size_t j = 1; j <= to.size(); ++j) {
             const bool differ = from[i - 1] != to[j - 1];
             row.push_back(std::min({row[j - 1] + 1, last[j] + 1, last[j - 1] + differ}));

@@ -117,8 +117,7 @@ TEST_F(RingtoneVolume, ComesBackAsItWas) {
     phone.write(preferencesPath, Dictionary{{"ios-vibrate-pattern", true}});
     turnOff();
     EXPECT_EQ(phone.volume(), 0.0F);
-    const Value* const kept = phone.dictionary(preferencesPath)->find("ringtone-volume");
-    ASSERT_NE(kept, nullptr);
+    ASSERT_TRUE(phone.dictionary(preferencesPath)->find("ringtone-volume").has_value());
     restore();
     EXPECT_EQ(phone.volume(), 0.6F);
 }

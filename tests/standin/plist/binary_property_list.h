@@ -3,9 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "platform/standin/plist/property_list.h"
 
 namespace quillet::standin {
 
@@ -63,6 +66,11 @@ inline std::string dictionaryObject(const std::vector<std::uint64_t>& keys,
                                     const std::vector<std::uint64_t>& values,
                                     std::size_t size = 1) {
     return marker(0xD, keys.size()) + references(keys, size) + references(values, size);
+}
+
+/// What a file with the one object reads as.
+inline std::optional<Value> readObject(const std::string& object) {
+    return readBinaryPropertyList(binaryFileOf(object));
 }
 
 }  // namespace quillet::standin

@@ -14,9 +14,6 @@ using namespace std::string_literals;
 
 constexpr std::uint64_t greatest = std::numeric_limits<std::uint64_t>::max();
 
-std::optional<Value> read(const std::string& bytes) { return readBinaryPropertyList(bytes); }
-std::optional<Value> readObject(const std::string& object) { return read(binaryFileOf(object)); }
-
 /// A small file with every kind of object:
 /// {"k": [true, false, 7, 1.5, a date, data], "é": {}}
 BinaryPropertyList smallFile() {
@@ -33,10 +30,11 @@ std::string withField(std::string file, std::size_t position, std::size_t size,
 
 TEST(MalformedBinaryPropertyList, SizesInTheTrailerOutsideOneToSixteen) {
     const std::string good = smallFile().bytes();
-    ASSERT_TRUE(read(good));
+    ASSERT_TRUE(readBinaryPropertyList(good));
     for (const std::size_t position : {6U, 7U}) {
         for (const std::uint64_t size : {0U, 17U, 128U, 255U}) {
-            EXPECT_EQ(read(withField(good, position, 1, size)), std::nullopt) << position << size;
+            EXPECT_EQ(readBinaryPropertyList(withField(good, position, 1, size)), std::nullopt)
+                << position << size;
         }
     }
 }
@@ -48,30 +46,33 @@ TEST(MalformedBinaryPropertyList, CountsAndPositionsInTheTrailerOutOfRange) {
     for (const std::uint64_t count :
          {std::uint64_t{0}, objects + 1, std::uint64_t{1} << 32, (std::uint64_t{1} << 63) + objects,
           greatest / 2 + 1, greatest}) {
-        EXPECT_EQ(read(withField(good, 8, 8, count)), std::nullopt) << count;
+        EXPECT_EQ(readBinaryPropertyList(withField(good, 8, 8, count)), std::nullopt) << count;
     }
     for (const std::uint64_t top : {objects, objects + 1, std::uint64_t{1} << 63, greatest}) {
-        EXPECT_EQ(read(withField(good, 16, 8, top)), std::nullopt) << top;
+        EXPECT_EQ(readBinaryPropertyList(withField(good, 16, 8, top)), std::nullopt) << top;
     }
     for (const std::uint64_t position :
          {std::uint64_t{0}, std::uint64_t{7}, std::uint64_t{8}, offsets + 1, good.size() - 32,
           good.size() - 31, std::uint64_t{good.size()}, std::uint64_t{1} << 63, greatest - 7,
           greatest}) {
-        EXPECT_EQ(read(withField(good, 24, 8, position)), std::nullopt) << position;
+        EXPECT_EQ(readBinaryPropertyList(withField(good, 24, 8, position)), std::nullopt)
+            << position;
     }
 }
 
 TEST(MalformedBinaryPropertyList, TheUnusedBytesOfTheTrailerDoNotMatter) {
     const std::string good = smallFile().bytes();
     for (std::size_t position = 0; position < 6; ++position) {
-        EXPECT_EQ(read(withField(good, position, 1, 0xFF)), read(good)) << position;
+        EXPECT_EQ(readBinaryPropertyList(withField(good, position, 1, 0xFF)),
+                  readBinaryPropertyList(good))
+            << position;
     }
 }
 
 TEST(MalformedBinaryPropertyList, FilesWithoutObjects) {
-    EXPECT_EQ(read("bplist00"), std::nullopt);
-    EXPECT_EQ(read("bplist00" + std::string(32, '\0')), std::nullopt);
-    EXPECT_EQ(read(BinaryPropertyList{}.bytes()), std::nullopt);
+    EXPECT_EQ(readBinaryPropertyList("bplist00"), std::nullopt);
+    EXPECT_EQ(readBinaryPropertyList("bplist00" + std::string(32, '\0')), std::nullopt);
+    EXPECT_EQ(readBinaryPropertyList(BinaryPropertyList{}.bytes()), std::nullopt);
     EXPECT_EQ(readObject(""), std::nullopt);
 }
 
@@ -82,13 +83,16 @@ TEST(MalformedBinaryPropertyList, OffsetsOutsideTheObjects) {
          {std::uint64_t{0}, std::uint64_t{7}, std::uint64_t{offsets}, std::uint64_t{offsets + 1},
           std::uint64_t{good.size() - 1}, std::uint64_t{good.size()}, std::uint64_t{0xFFFF}}) {
         std::string bytes = good;
-        EXPECT_EQ(read(bytes.replace(offsets, 2, bigEndian(offset, 2))), std::nullopt) << offset;
+        EXPECT_EQ(readBinaryPropertyList(bytes.replace(offsets, 2, bigEndian(offset, 2))),
+                  std::nullopt)
+            << offset;
     }
     BinaryPropertyList wide{{"\x09"}};
     wide.offsetSize = 8;
     for (const std::uint64_t offset : {std::uint64_t{1} << 32, std::uint64_t{1} << 63, greatest}) {
         std::string bytes = wide.bytes();
-        EXPECT_EQ(read(bytes.replace(9, 8, bigEndian(offset, 8))), std::nullopt) << offset;
+        EXPECT_EQ(readBinaryPropertyList(bytes.replace(9, 8, bigEndian(offset, 8))), std::nullopt)
+            << offset;
     }
 }
 
@@ -97,19 +101,23 @@ TEST(MalformedBinaryPropertyList, ReferencesToObjectsThatAreNotThere) {
         for (const std::uint64_t reference : {std::uint64_t{2}, std::uint64_t{0x80}, greatest}) {
             BinaryPropertyList file{{arrayObject({1, reference}, size), asciiObject("k")}};
             file.referenceSize = size;
-            EXPECT_EQ(read(file.bytes()), std::nullopt) << size << ' ' << reference;
+            EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt)
+                << size << ' ' << reference;
             file.objects.front() = dictionaryObject({1}, {reference}, size);
-            EXPECT_EQ(read(file.bytes()), std::nullopt) << size << ' ' << reference;
+            EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt)
+                << size << ' ' << reference;
             file.objects.front() = dictionaryObject({reference}, {1}, size);
-            EXPECT_EQ(read(file.bytes()), std::nullopt) << size << ' ' << reference;
+            EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt)
+                << size << ' ' << reference;
         }
     }
 }
 
 TEST(MalformedBinaryPropertyList, AReferenceOnePastTheLastObjectWhereTheTrailerLooksLikeItsOffset) {
     const BinaryPropertyList file{{arrayObject({2}), "\x09"}};
-    EXPECT_EQ(read(withField(file.bytes(), 0, 2, 10)), std::nullopt);
-    EXPECT_EQ(read(withField(withField(file.bytes(), 0, 2, 10), 16, 8, 2)), std::nullopt);
+    EXPECT_EQ(readBinaryPropertyList(withField(file.bytes(), 0, 2, 10)), std::nullopt);
+    EXPECT_EQ(readBinaryPropertyList(withField(withField(file.bytes(), 0, 2, 10), 16, 8, 2)),
+              std::nullopt);
 }
 
 TEST(MalformedBinaryPropertyList, MarkersThatStandForNoValue) {
@@ -185,7 +193,8 @@ TEST(MalformedBinaryPropertyList, KeysThatAreNoStrings) {
          {"\x09"s, "\x10\x07"s, "\x23"s + std::string(8, '\0'), "\x33"s + std::string(8, '\0'),
           "\x41\x61"s, "\xA0"s, "\xD0"s, "\x00"s, "\x80\x01"s}) {
         const BinaryPropertyList file{{dictionaryObject({1}, {2}), key, "\x09"}};
-        EXPECT_EQ(read(file.bytes()), std::nullopt) << testing::PrintToString(key);
+        EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt)
+            << testing::PrintToString(key);
     }
 }
 
@@ -198,10 +207,10 @@ TEST(MalformedBinaryPropertyList, ContainersThatHoldThemselves) {
         {arrayObject({1}), dictionaryObject({2}, {0}), asciiObject("k")}};
     for (const auto& objects : files) {
         BinaryPropertyList file{objects};
-        EXPECT_EQ(read(file.bytes()), std::nullopt);
+        EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt);
         // The file's size, and with it the memory that it may take, must not help.
         file.objects.push_back(asciiObject(std::string(60000, 'a')));
-        EXPECT_EQ(read(file.bytes()), std::nullopt);
+        EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt);
     }
 }
 
@@ -212,7 +221,7 @@ TEST(MalformedBinaryPropertyList, SharingThatMultiplies) {
             arrays.objects.push_back(arrayObject(std::vector<std::uint64_t>(width, level)));
         }
         arrays.objects.push_back("\x09");
-        EXPECT_EQ(read(arrays.bytes()), std::nullopt) << width;
+        EXPECT_EQ(readBinaryPropertyList(arrays.bytes()), std::nullopt) << width;
     }
 }
 
@@ -220,14 +229,14 @@ TEST(MalformedBinaryPropertyList, LongSharedKeysThatMultiply) {
     BinaryPropertyList file{{arrayObject(std::vector<std::uint64_t>(2000, 1)),
                              dictionaryObject({2}, {3}), asciiObject(std::string(10000, 'a')),
                              "\x09"}};
-    EXPECT_EQ(read(file.bytes()), std::nullopt);
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt);
 }
 
 TEST(MalformedBinaryPropertyList, EveryTruncationOfAGoodFile) {
     const std::string good = smallFile().bytes();
-    ASSERT_TRUE(read(good));
+    ASSERT_TRUE(readBinaryPropertyList(good));
     for (std::size_t size = 0; size < good.size(); ++size) {
-        EXPECT_EQ(read(good.substr(0, size)), std::nullopt) << size;
+        EXPECT_EQ(readBinaryPropertyList(good.substr(0, size)), std::nullopt) << size;
     }
 }
 
@@ -238,7 +247,7 @@ TEST(MalformedBinaryPropertyList, EveryChangeOfOneByteGivesNothingOrAValueThatSu
         for (int difference = 1; difference < 256; ++difference) {
             std::string changed = good;
             changed[i] = static_cast<char>(changed[i] ^ difference);
-            const auto value = read(changed);
+            const auto value = readBinaryPropertyList(changed);
             if (!value) continue;
             ++values;
             // Compared as text, where dates have whole seconds and NaN is itself.

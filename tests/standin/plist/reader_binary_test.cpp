@@ -15,9 +15,6 @@ namespace {
 
 using namespace std::string_literals;
 
-std::optional<Value> read(const std::string& bytes) { return readBinaryPropertyList(bytes); }
-std::optional<Value> readObject(const std::string& object) { return read(binaryFileOf(object)); }
-
 std::string realObject(double number) {
     return "\x23" + bigEndian(std::bit_cast<std::uint64_t>(number), 8);
 }
@@ -53,7 +50,8 @@ TEST(BinaryPropertyList, EveryOffsetSizeWithEveryReferenceSize) {
         for (std::size_t referenceSize = 1; referenceSize <= 16; ++referenceSize) {
             BinaryPropertyList file = largeFile(referenceSize);
             file.offsetSize = offsetSize;
-            EXPECT_EQ(read(file.bytes()), largeValue()) << offsetSize << ' ' << referenceSize;
+            EXPECT_EQ(readBinaryPropertyList(file.bytes()), largeValue())
+                << offsetSize << ' ' << referenceSize;
         }
     }
     for (std::size_t referenceSize = 1; referenceSize <= 16; ++referenceSize) {
@@ -61,7 +59,8 @@ TEST(BinaryPropertyList, EveryOffsetSizeWithEveryReferenceSize) {
             {dictionaryObject({1}, {2}, referenceSize), asciiObject("k"), "\x09"}};
         file.offsetSize = 1;
         file.referenceSize = referenceSize;
-        EXPECT_EQ(read(file.bytes()), (Value{Dictionary{{"k", true}}})) << referenceSize;
+        EXPECT_EQ(readBinaryPropertyList(file.bytes()), (Value{Dictionary{{"k", true}}}))
+            << referenceSize;
     }
 }
 
@@ -74,14 +73,14 @@ TEST(BinaryPropertyList, OffsetsAndReferencesUseAllTheirBytes) {
     file.top = 66001;
     file.offsetSize = 3;
     file.referenceSize = 3;
-    EXPECT_EQ(read(file.bytes()), (Value{Array{true, false}}));
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), (Value{Array{true, false}}));
 }
 
 TEST(BinaryPropertyList, TheTopObjectMayStandAnywhere) {
     BinaryPropertyList file{{"\x08", asciiObject("text"), "\x09"}};
     for (const auto& [top, value] : {std::pair{0U, Value{false}}, {1U, "text"}, {2U, true}}) {
         file.top = top;
-        EXPECT_EQ(read(file.bytes()), value) << top;
+        EXPECT_EQ(readBinaryPropertyList(file.bytes()), value) << top;
     }
 }
 
@@ -150,12 +149,12 @@ TEST(BinaryPropertyList, IdentifiersOfArchivesOfEveryWidth) {
     constexpr std::uint64_t greatest = std::numeric_limits<std::uint64_t>::max();
     EXPECT_EQ(readObject("\x87" + bigEndian(greatest, 8)), Value{UID{greatest}});
     const BinaryPropertyList file{{dictionaryObject({1}, {2}), asciiObject("root"), "\x80\x07"}};
-    EXPECT_EQ(read(file.bytes()), (Value{Dictionary{{"root", UID{7}}}}));
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), (Value{Dictionary{{"root", UID{7}}}}));
 }
 
 TEST(BinaryPropertyList, ADictionaryThatLooksLikeAnIdentifierIsOneOnlyInXML) {
     const BinaryPropertyList file{{dictionaryObject({1}, {2}), asciiObject("CF$UID"), "\x10\x07"}};
-    EXPECT_EQ(read(file.bytes()), (Value{Dictionary{{"CF$UID", 7}}}));
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), (Value{Dictionary{{"CF$UID", 7}}}));
 }
 
 TEST(BinaryPropertyList, BooleansDataAndStrings) {
@@ -181,7 +180,7 @@ TEST(BinaryPropertyList, StringsMarkedASCIIAreUTF8OrElseLatin1) {
     EXPECT_EQ(readObject("\x53\xC3\xA9\xC3"s), Value{"\u00C3\u00A9\u00C3"});
     EXPECT_EQ(readObject("\x53\xED\xA0\x80"s), Value{"\u00ED\u00A0\u0080"});
     const BinaryPropertyList file{{dictionaryObject({1}, {1}), "\x51\xE9"}};
-    EXPECT_EQ(read(file.bytes()), (Value{Dictionary{{"\u00E9", "\u00E9"}}}));
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), (Value{Dictionary{{"\u00E9", "\u00E9"}}}));
 }
 
 TEST(BinaryPropertyList, UnitsThatAreNoCharacterAreReplaced) {
@@ -214,7 +213,7 @@ TEST(BinaryPropertyList, CountsOfEveryWidth) {
 TEST(BinaryPropertyList, EntriesKeepTheirOrderAndTheFirstOfOneKeyCounts) {
     BinaryPropertyList file{{dictionaryObject({1, 2, 3}, {4, 4, 5}), asciiObject("b"),
                              asciiObject("a"), "\x61\x00\x62"s, "\x09", "\x08"}};
-    const auto value = read(file.bytes());
+    const auto value = readBinaryPropertyList(file.bytes());
     ASSERT_TRUE(value);
     const std::vector<Entry> expected{{"b", true}, {"a", true}};
     EXPECT_EQ(std::get<Dictionary>(*value).entries(), expected);
@@ -235,7 +234,7 @@ TEST(BinaryPropertyList, ScalarsMayBeSharedManyTimes) {
         expected.insert(expected.end(), {name, 7, 1.5, true, Dictionary{{name, 7}}});
     }
     file.objects.front() = arrayObject(elements, 2);
-    EXPECT_EQ(read(file.bytes()), Value{Array{expected}});
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), Value{Array{expected}});
 }
 
 TEST(BinaryPropertyList, StringsMayBeSharedManyTimes) {
@@ -247,10 +246,10 @@ TEST(BinaryPropertyList, StringsMayBeSharedManyTimes) {
     const Value expected = Dictionary{{"ring-vibrate", false},
                                       {"names", Array{std::vector<Value>(1000, Value{name})}}};
     ASSERT_LT(file.bytes().size(), std::size_t{1200});
-    EXPECT_EQ(read(file.bytes()), expected);
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), expected);
     file.objects.back() = "\x6F\x10\x64";
     for (int i = 0; i < 100; ++i) file.objects.back() += "\0a"s;
-    EXPECT_EQ(read(file.bytes()), expected);
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), expected);
 }
 
 TEST(BinaryPropertyList, ASmallFileMayUnfoldToALargeValue) {
@@ -260,7 +259,7 @@ TEST(BinaryPropertyList, ASmallFileMayUnfoldToALargeValue) {
     }
     file.objects.push_back("\x09");
     ASSERT_EQ(file.bytes().size(), std::size_t{73});
-    const auto value = read(file.bytes());
+    const auto value = readBinaryPropertyList(file.bytes());
     ASSERT_TRUE(value);
     EXPECT_GT(writePropertyList(*value).size(), std::size_t{3000});
 }
@@ -270,7 +269,8 @@ TEST(BinaryPropertyList, LongDictionariesKeepTheirKeysHoweverOftenTheyShareThem)
     BinaryPropertyList file{{arrayObject(std::vector<std::uint64_t>(1000, 1)),
                              dictionaryObject({2}, {3}), asciiObject(name), "\x09"}};
     const Value entry = Dictionary{{name, true}};
-    EXPECT_EQ(read(file.bytes()), (Value{Array{std::vector<Value>(1000, entry)}}));
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()),
+              (Value{Array{std::vector<Value>(1000, entry)}}));
 }
 
 TEST(BinaryPropertyList, ContainersNestAsDeepAsTheLimitAndNoDeeper) {
@@ -285,7 +285,8 @@ TEST(BinaryPropertyList, ContainersNestAsDeepAsTheLimitAndNoDeeper) {
             }
             file.objects.push_back(isArray ? "\xA0" : "\xD0");
             file.objects.push_back(asciiObject("key"));
-            EXPECT_EQ(read(file.bytes()).has_value(), depth == maxDepth) << isArray << depth;
+            EXPECT_EQ(readBinaryPropertyList(file.bytes()).has_value(), depth == maxDepth)
+                << isArray << depth;
         }
     }
 }

@@ -9,8 +9,6 @@
 namespace quillet::standin {
 namespace {
 
-std::optional<Value> read(const std::string& text) { return readXMLPropertyList(text); }
-
 /// A small document with every kind of element and of markup.
 const std::string smallDocument =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?><!DOCTYPE plist [<!ENTITY a 'b'>]>"
@@ -41,7 +39,7 @@ TEST(MalformedXMLPropertyList, DocumentsThatHoldNoValueOrMoreThanOne) {
                              "{ a = 1; }",
                              "bplist00",
                              "<"}) {
-        EXPECT_EQ(read(text), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(text), std::nullopt) << text;
     }
 }
 
@@ -66,7 +64,7 @@ TEST(MalformedXMLPropertyList, TagsThatDoNotMatch) {
                              "<plist><array></plist>",
                              "</string>",
                              "<array><//array>"}) {
-        EXPECT_EQ(read(text), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(text), std::nullopt) << text;
     }
 }
 
@@ -100,7 +98,7 @@ TEST(MalformedXMLPropertyList, TagsThatAreNoTags) {
                              "<!DOCTYPE plist [<!-- ]><true/>",
                              "<array><!DOCTYPE plist></array>",
                              "<!DOCTYPE plist [<?p ]><true/>"}) {
-        EXPECT_EQ(read(text), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(text), std::nullopt) << text;
     }
 }
 
@@ -109,18 +107,18 @@ TEST(MalformedXMLPropertyList, TextBetweenElements) {
          {"x<true/>", "<array>x</array>", "<array><true/>x</array>", "<array>&amp;</array>",
           "<array><![CDATA[ ]]></array>", "<dict>x</dict>", "<plist>x<true/></plist>",
           "<plist><true/>x</plist>", "\v<true/>", "\xEF\xBB\xBF\xEF\xBB\xBF<true/>"}) {
-        EXPECT_EQ(read(text), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(text), std::nullopt) << text;
     }
-    EXPECT_EQ(read(std::string("<array>\0</array>", 16)), std::nullopt);
+    EXPECT_EQ(readXMLPropertyList(std::string("<array>\0</array>", 16)), std::nullopt);
 }
 
 TEST(MalformedXMLPropertyList, ADeclarationInsideText) {
     for (const char* text :
          {"<string>a<?xml version='1.0'?>b</string>", "<string><?xml ?></string>",
           "<string><?xml\n?></string>", "<dict><key><?xml version='1.0'?></key><true/></dict>"}) {
-        EXPECT_EQ(read(text), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(text), std::nullopt) << text;
     }
-    EXPECT_EQ(read("<string>a<?xmlish b?>c</string>"), Value{"ac"});
+    EXPECT_EQ(readXMLPropertyList("<string>a<?xmlish b?>c</string>"), Value{"ac"});
 }
 
 TEST(MalformedXMLPropertyList, DictionariesWhoseKeysAndValuesDoNotAlternate) {
@@ -131,21 +129,23 @@ TEST(MalformedXMLPropertyList, DictionariesWhoseKeysAndValuesDoNotAlternate) {
           "<dict><dict/></dict>", "<dict><array></array></dict>", "<key>a</key>", "<key/>",
           "<array><key>a</key></array>", "<dict><key>a</dict>",
           "<dict><key><true/></key></dict>"}) {
-        EXPECT_EQ(read(text), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(text), std::nullopt) << text;
     }
 }
 
 TEST(MalformedXMLPropertyList, EncodingsThatAreUnknown) {
     for (const char* encoding :
          {"UTF-16", "utf-16", "ISO-8859-2", "UTF-8 ", "", "koi8-r", "utf-7", "UTF-32"}) {
-        EXPECT_EQ(read("<?xml version='1.0' encoding='" + std::string{encoding} + "'?><true/>"),
+        EXPECT_EQ(readXMLPropertyList("<?xml version='1.0' encoding='" + std::string{encoding} +
+                                      "'?><true/>"),
                   std::nullopt)
             << encoding;
     }
     for (const char* declaration :
          {"<?xml encoding?>", "<?xml encoding=UTF-8?>", "<?xml version='1?>",
           "<?xml version=\"1.0' ?>", "<?xml a='b' c?>"}) {
-        EXPECT_EQ(read(declaration + std::string{"<true/>"}), std::nullopt) << declaration;
+        EXPECT_EQ(readXMLPropertyList(declaration + std::string{"<true/>"}), std::nullopt)
+            << declaration;
     }
 }
 
@@ -155,7 +155,7 @@ TEST(MalformedXMLPropertyList, UTF16WithoutAByteOrderMark) {
         for (const char c : std::string{"<true/>"}) {
             text += isHighFirst ? std::string{'\0', c} : std::string{c, '\0'};
         }
-        EXPECT_EQ(read(text), std::nullopt) << isHighFirst;
+        EXPECT_EQ(readXMLPropertyList(text), std::nullopt) << isHighFirst;
     }
 }
 
@@ -186,9 +186,10 @@ TEST(MalformedXMLPropertyList, BytesThatAreNotUTF8) {
         // At every place relative to the words in which ASCII is skipped.
         for (std::size_t before = 0; before < 8; ++before) {
             const std::string text = std::string(before, 'a') + bytes;
-            EXPECT_EQ(read("<string>" + text + "</string>"), std::nullopt);
-            EXPECT_EQ(read("<dict><key>" + text + "</key><true/></dict>"), std::nullopt);
-            EXPECT_EQ(read("<array><" + text + "/></array>"), std::nullopt);
+            EXPECT_EQ(readXMLPropertyList("<string>" + text + "</string>"), std::nullopt);
+            EXPECT_EQ(readXMLPropertyList("<dict><key>" + text + "</key><true/></dict>"),
+                      std::nullopt);
+            EXPECT_EQ(readXMLPropertyList("<array><" + text + "/></array>"), std::nullopt);
         }
     }
     for (const char* bytes :
@@ -196,15 +197,15 @@ TEST(MalformedXMLPropertyList, BytesThatAreNotUTF8) {
           "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
         for (std::size_t before = 0; before < 8; ++before) {
             const std::string text = std::string(before, 'a') + bytes + "z";
-            EXPECT_EQ(read("<string>" + text + "</string>"), Value{text});
+            EXPECT_EQ(readXMLPropertyList("<string>" + text + "</string>"), Value{text});
         }
     }
 }
 
 TEST(MalformedXMLPropertyList, EveryTruncationOfAGoodDocument) {
-    ASSERT_TRUE(read(smallDocument));
+    ASSERT_TRUE(readXMLPropertyList(smallDocument));
     for (std::size_t size = 0; size < smallDocument.size(); ++size) {
-        EXPECT_EQ(read(smallDocument.substr(0, size)), std::nullopt) << size;
+        EXPECT_EQ(readXMLPropertyList(smallDocument.substr(0, size)), std::nullopt) << size;
     }
 }
 
@@ -214,10 +215,10 @@ TEST(MalformedXMLPropertyList, EveryChangeOfOneByteGivesNothingOrAValueThatSurvi
         for (int difference = 1; difference < 256; ++difference) {
             std::string changed = smallDocument;
             changed[i] = static_cast<char>(changed[i] ^ difference);
-            const auto value = read(changed);
+            const auto value = readXMLPropertyList(changed);
             if (!value) continue;
             ++values;
-            ASSERT_EQ(read(writePropertyList(*value)), value) << changed;
+            ASSERT_EQ(readXMLPropertyList(writePropertyList(*value)), value) << changed;
         }
     }
     EXPECT_GT(values, 0);
@@ -236,7 +237,7 @@ TEST(MalformedXMLPropertyList, HostileRepetitionsEndInLinearTime) {
           "<dict><key>", "<a a='", "'", "\"", "]", " ", "</", "="}) {
         for (const char* before :
              {"", "<string>", "<!DOCTYPE plist [", "<array a=", "<data>", "<real>1", "<?xml "}) {
-            EXPECT_EQ(read(before + repeated(unit)), std::nullopt) << before << unit;
+            EXPECT_EQ(readXMLPropertyList(before + repeated(unit)), std::nullopt) << before << unit;
         }
     }
     // Quadratic time would take many minutes; this is far above what a sanitizer's slowness needs.

@@ -10,8 +10,6 @@
 namespace quillet::standin {
 namespace {
 
-std::optional<Value> read(const std::string& text) { return readXMLPropertyList(text); }
-
 std::string nested(const std::string& start, const std::string& end, int depth) {
     std::string text;
     for (int i = 0; i < depth; ++i) text += start;
@@ -29,7 +27,7 @@ TEST(XMLPropertyList, ReadsAllEightKinds) {
                               {"false", false},
                               {"array", Array{1, "two"}},
                               {"dict", Dictionary{{"a", 1}}}};
-    EXPECT_EQ(read(R"(<?xml version="1.0" encoding="UTF-8"?>
+    EXPECT_EQ(readXMLPropertyList(R"(<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
 <plist version="1.0">
 <dict>
@@ -56,8 +54,9 @@ TEST(XMLPropertyList, ThePrologMayTakeEveryForm) {
           "<!DOCTYPE plist>", "<!DOCTYPE plist SYSTEM 'a>b' >",
           "<!DOCTYPE plist [ <!ENTITY a \"]>\"> <!-- ]> ' --> <?p ]> ' ?> ]>",
           "<?xml version='1.0'?><!-- a --><!DOCTYPE plist><?p?><!-- b -->"}) {
-        EXPECT_EQ(read(prolog + std::string{"<plist><true/></plist>"}), Value{true}) << prolog;
-        EXPECT_EQ(read(prolog + std::string{"<true/>"}), Value{true}) << prolog;
+        EXPECT_EQ(readXMLPropertyList(prolog + std::string{"<plist><true/></plist>"}), Value{true})
+            << prolog;
+        EXPECT_EQ(readXMLPropertyList(prolog + std::string{"<true/>"}), Value{true}) << prolog;
     }
 }
 
@@ -65,85 +64,94 @@ TEST(XMLPropertyList, WhatFollowsTheValueIsIgnored) {
     for (const char* rest : {"", "\n", " <!-- a -->\n<?p q?> ", "x", "<false/>", "<plist/>",
                              "<plist></plist>", "</plist>", "</array>", "&amp;", "<!DOCTYPE plist>",
                              "<!--", "<?", "<![CDATA[]]>", "<", "\xFF", "\xEF\xBB\xBF"}) {
-        EXPECT_EQ(read(std::string{"<plist><true/></plist>"} + rest), Value{true}) << rest;
-        EXPECT_EQ(read(std::string{"<true/>"} + rest), Value{true}) << rest;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<plist><true/></plist>"} + rest), Value{true})
+            << rest;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<true/>"} + rest), Value{true}) << rest;
     }
-    EXPECT_EQ(read(std::string("<true/>\0", 8)), Value{true});
+    EXPECT_EQ(readXMLPropertyList(std::string("<true/>\0", 8)), Value{true});
 }
 
 TEST(XMLPropertyList, APlistTagMayStandAroundAnyOneValue) {
-    EXPECT_EQ(read("<plist><plist><true/></plist></plist>"), Value{true});
-    EXPECT_EQ(read("<array><plist><true/></plist><plist><array/></plist></array>"),
+    EXPECT_EQ(readXMLPropertyList("<plist><plist><true/></plist></plist>"), Value{true});
+    EXPECT_EQ(readXMLPropertyList("<array><plist><true/></plist><plist><array/></plist></array>"),
               (Value{Array{true, Array()}}));
-    EXPECT_EQ(read("<dict><key>a</key><plist><true/></plist></dict>"),
+    EXPECT_EQ(readXMLPropertyList("<dict><key>a</key><plist><true/></plist></dict>"),
               (Value{Dictionary{{"a", true}}}));
-    EXPECT_FALSE(read(nested("<plist>", "", 1000000)));
+    EXPECT_FALSE(readXMLPropertyList(nested("<plist>", "", 1000000)));
 }
 
 TEST(XMLPropertyList, ADictionaryOfOneCertainKeyIsAnArchivesIdentifier) {
     const auto uid = [](const std::string& content) { return "<dict>" + content + "</dict>"; };
     const std::string key = "<key>CF$UID</key>";
-    EXPECT_EQ(read(uid(key + "<integer>0</integer>")), Value{UID{0}});
-    EXPECT_EQ(read("<array>" + uid(key + "<integer>7</integer>") + "</array>"),
+    EXPECT_EQ(readXMLPropertyList(uid(key + "<integer>0</integer>")), Value{UID{0}});
+    EXPECT_EQ(readXMLPropertyList("<array>" + uid(key + "<integer>7</integer>") + "</array>"),
               (Value{Array{UID{7}}}));
-    EXPECT_EQ(read(uid(key + "<integer>18446744073709551615</integer>")),
+    EXPECT_EQ(readXMLPropertyList(uid(key + "<integer>18446744073709551615</integer>")),
               Value{UID{std::numeric_limits<std::uint64_t>::max()}});
-    EXPECT_EQ(read(uid(key + "<integer>7</integer>" + key + "<integer>8</integer>")),
+    EXPECT_EQ(readXMLPropertyList(uid(key + "<integer>7</integer>" + key + "<integer>8</integer>")),
               Value{UID{8}});
-    EXPECT_EQ(read(uid(key + "<integer>-1</integer>")), (Value{Dictionary{{"CF$UID", -1}}}));
-    EXPECT_EQ(read(uid(key + "<true/>")), (Value{Dictionary{{"CF$UID", true}}}));
-    EXPECT_EQ(read(uid(key + "<string>7</string>")), (Value{Dictionary{{"CF$UID", "7"}}}));
-    EXPECT_EQ(read(uid(key + "<integer>7</integer><key>a</key><true/>")),
+    EXPECT_EQ(readXMLPropertyList(uid(key + "<integer>-1</integer>")),
+              (Value{Dictionary{{"CF$UID", -1}}}));
+    EXPECT_EQ(readXMLPropertyList(uid(key + "<true/>")), (Value{Dictionary{{"CF$UID", true}}}));
+    EXPECT_EQ(readXMLPropertyList(uid(key + "<string>7</string>")),
+              (Value{Dictionary{{"CF$UID", "7"}}}));
+    EXPECT_EQ(readXMLPropertyList(uid(key + "<integer>7</integer><key>a</key><true/>")),
               (Value{Dictionary{{"CF$UID", 7}, {"a", true}}}));
-    EXPECT_EQ(read(uid("<key>cf$uid</key><integer>7</integer>")),
+    EXPECT_EQ(readXMLPropertyList(uid("<key>cf$uid</key><integer>7</integer>")),
               (Value{Dictionary{{"cf$uid", 7}}}));
 }
 
 TEST(XMLPropertyList, EmptyElementsMayCloseThemselves) {
-    EXPECT_EQ(read("<array/>"), Value{Array()});
-    EXPECT_EQ(read("<dict />"), Value{Dictionary{}});
-    EXPECT_EQ(read("<string/>"), Value{""});
-    EXPECT_EQ(read("<data/>"), Value{Data{}});
-    EXPECT_EQ(read("<dict><key/><true/></dict>"), (Value{Dictionary{{"", true}}}));
-    EXPECT_EQ(read("<true></true>"), Value{true});
-    EXPECT_EQ(read("<false> <!-- a --> </false>"), Value{false});
+    EXPECT_EQ(readXMLPropertyList("<array/>"), Value{Array()});
+    EXPECT_EQ(readXMLPropertyList("<dict />"), Value{Dictionary{}});
+    EXPECT_EQ(readXMLPropertyList("<string/>"), Value{""});
+    EXPECT_EQ(readXMLPropertyList("<data/>"), Value{Data{}});
+    EXPECT_EQ(readXMLPropertyList("<dict><key/><true/></dict>"), (Value{Dictionary{{"", true}}}));
+    EXPECT_EQ(readXMLPropertyList("<true></true>"), Value{true});
+    EXPECT_EQ(readXMLPropertyList("<false> <!-- a --> </false>"), Value{false});
 }
 
 TEST(XMLPropertyList, AttributesAreSkippedEvenWithTagsInTheirQuotes) {
-    EXPECT_EQ(read("<plist a='>' b=\"/>'\"><array x='/'><true\n/></array\t></plist >"),
-              (Value{Array{
-                  true,
-              }}));
+    EXPECT_EQ(
+        readXMLPropertyList("<plist a='>' b=\"/>'\"><array x='/'><true\n/></array\t></plist >"),
+        (Value{Array{
+            true,
+        }}));
 }
 
 TEST(XMLPropertyList, TextKeepsItsWhiteSpaceAndLosesItsMarkup) {
-    EXPECT_EQ(read("<string> a\t\n b </string>"), Value{" a\t\n b "});
-    EXPECT_EQ(read("<string>a\r\nb</string>"), Value{"a\r\nb"});
-    EXPECT_EQ(read("<string>a<!-- <b> & -->c<?p <q> ?>d</string>"), Value{"acd"});
-    EXPECT_EQ(read("<string>a<![CDATA[<b>&amp;]] >]]>c]]></string>"), Value{"a<b>&amp;]] >c]]>"});
-    EXPECT_EQ(read("<string>a>b\"c'</string>"), Value{"a>b\"c'"});
-    EXPECT_EQ(read("<dict><key>a&amp;<![CDATA[<]]></key><true/></dict>"),
+    EXPECT_EQ(readXMLPropertyList("<string> a\t\n b </string>"), Value{" a\t\n b "});
+    EXPECT_EQ(readXMLPropertyList("<string>a\r\nb</string>"), Value{"a\r\nb"});
+    EXPECT_EQ(readXMLPropertyList("<string>a<!-- <b> & -->c<?p <q> ?>d</string>"), Value{"acd"});
+    EXPECT_EQ(readXMLPropertyList("<string>a<![CDATA[<b>&amp;]] >]]>c]]></string>"),
+              Value{"a<b>&amp;]] >c]]>"});
+    EXPECT_EQ(readXMLPropertyList("<string>a>b\"c'</string>"), Value{"a>b\"c'"});
+    EXPECT_EQ(readXMLPropertyList("<dict><key>a&amp;<![CDATA[<]]></key><true/></dict>"),
               (Value{Dictionary{{"a&<", true}}}));
 }
 
 TEST(XMLPropertyList, ReferencesStandForTheirCharacters) {
-    EXPECT_EQ(read("<string>&amp;&lt;&gt;&quot;&apos;</string>"), Value{"&<>\"'"});
-    EXPECT_EQ(read("<string>&#65;&#x42;&#x00043;&#13;&#1;</string>"), Value{"ABC\r\x01"});
-    EXPECT_EQ(read("<string>&#0;</string>"), Value{std::string(1, '\0')});
+    EXPECT_EQ(readXMLPropertyList("<string>&amp;&lt;&gt;&quot;&apos;</string>"), Value{"&<>\"'"});
+    EXPECT_EQ(readXMLPropertyList("<string>&#65;&#x42;&#x00043;&#13;&#1;</string>"),
+              Value{"ABC\r\x01"});
+    EXPECT_EQ(readXMLPropertyList("<string>&#0;</string>"), Value{std::string(1, '\0')});
     EXPECT_EQ(
-        read("<string>&#x7F;&#x80;&#x7FF;&#x800;&#xFFFF;&#x10000;&#x10FFFF;</string>"),
+        readXMLPropertyList(
+            "<string>&#x7F;&#x80;&#x7FF;&#x800;&#xFFFF;&#x10000;&#x10FFFF;</string>"),
         Value{"\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"});
-    EXPECT_EQ(read("<string>&#xD800;&#xDFFF;</string>"), Value{"\uFFFD\uFFFD"});
+    EXPECT_EQ(readXMLPropertyList("<string>&#xD800;&#xDFFF;</string>"), Value{"\uFFFD\uFFFD"});
     for (const char* reference :
          {"&", "&;", "&amp", "&AMP;", "&nbsp;", "&#;", "&#x;", "&#X41;", "&#-1;", "&#+1;", "&# 65;",
           "&#65 ;", "&#6a;", "&#x110000;", "&#4294967361;", "& amp;"}) {
-        EXPECT_EQ(read(std::string{"<string>"} + reference + "</string>"), std::nullopt)
+        EXPECT_EQ(readXMLPropertyList(std::string{"<string>"} + reference + "</string>"),
+                  std::nullopt)
             << reference;
     }
 }
 
 TEST(XMLPropertyList, AnEntityOfTheDocumentTypeIsNotExpanded) {
-    EXPECT_EQ(read("<!DOCTYPE plist [<!ENTITY a 'b'>]><string>&a;</string>"), std::nullopt);
+    EXPECT_EQ(readXMLPropertyList("<!DOCTYPE plist [<!ENTITY a 'b'>]><string>&a;</string>"),
+              std::nullopt);
 }
 
 TEST(XMLPropertyList, IntegersReachFromTheLeastSignedToTheGreatestUnsigned) {
@@ -165,7 +173,8 @@ TEST(XMLPropertyList, IntegersReachFromTheLeastSignedToTheGreatestUnsigned) {
                  {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
                  {"-0x8000000000000000", std::numeric_limits<std::int64_t>::min()}};
     for (const auto& [text, value] : cases) {
-        EXPECT_EQ(read(std::string{"<integer>"} + text + "</integer>"), value) << text;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<integer>"} + text + "</integer>"), value)
+            << text;
     }
     for (const char* text : {"",
                              " ",
@@ -187,9 +196,10 @@ TEST(XMLPropertyList, IntegersReachFromTheLeastSignedToTheGreatestUnsigned) {
                              "-9223372036854775809",
                              "0x10000000000000000",
                              "-0x8000000000000001"}) {
-        EXPECT_EQ(read(std::string{"<integer>"} + text + "</integer>"), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<integer>"} + text + "</integer>"), std::nullopt)
+            << text;
     }
-    EXPECT_EQ(read("<integer/>"), std::nullopt);
+    EXPECT_EQ(readXMLPropertyList("<integer/>"), std::nullopt);
 }
 
 TEST(XMLPropertyList, RealsAreDecimalNumbersOrWords) {
@@ -217,18 +227,20 @@ TEST(XMLPropertyList, RealsAreDecimalNumbersOrWords) {
                  {"1e-999", 0.0},
                  {"1.7976931348623157e308", std::numeric_limits<double>::max()}};
     for (const auto& [text, value] : cases) {
-        EXPECT_EQ(read(std::string{"<real>"} + text + "</real>"), Value{value}) << text;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<real>"} + text + "</real>"), Value{value})
+            << text;
     }
     for (const char* text : {"nan", "NaN", "+nan", "-NAN"}) {
-        const auto value = read(std::string{"<real>"} + text + "</real>");
+        const auto value = readXMLPropertyList(std::string{"<real>"} + text + "</real>");
         ASSERT_TRUE(value && std::holds_alternative<double>(*value)) << text;
         EXPECT_TRUE(std::isnan(std::get<double>(*value))) << text;
     }
     for (const char* text : {"", " ", "+", ".", "e5", "1e", "1.2.3", "0x10", "1,5", "--1", "+-1",
                              "infinite", "nan(1)", "in", "1 2", "- 1", "1f"}) {
-        EXPECT_EQ(read(std::string{"<real>"} + text + "</real>"), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<real>"} + text + "</real>"), std::nullopt)
+            << text;
     }
-    EXPECT_EQ(read("<real/>"), std::nullopt);
+    EXPECT_EQ(readXMLPropertyList("<real/>"), std::nullopt);
 }
 
 TEST(XMLPropertyList, DatesAreSecondsOfTheCalendar) {
@@ -252,7 +264,9 @@ TEST(XMLPropertyList, DatesAreSecondsOfTheCalendar) {
                  {"2147483647-12-31T23:59:59Z", 67767975255225600.0},
                  {"-2147483647-01-01T00:00:00Z", -67768101514656000.0}};
     for (const auto& [text, seconds] : cases) {
-        EXPECT_EQ(read(std::string{"<date>"} + text + "</date>"), Value{Date{seconds}}) << text;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<date>"} + text + "</date>"),
+                  Value{Date{seconds}})
+            << text;
     }
     for (const char* text : {"",
                              "2001",
@@ -283,9 +297,10 @@ TEST(XMLPropertyList, DatesAreSecondsOfTheCalendar) {
                              "2001-01-01T00:00:60Z",
                              "2001-01-01T00:00:00.5Z",
                              "2001-01-01T00:00:00+00:00"}) {
-        EXPECT_EQ(read(std::string{"<date>"} + text + "</date>"), std::nullopt) << text;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<date>"} + text + "</date>"), std::nullopt)
+            << text;
     }
-    EXPECT_EQ(read("<date/>"), std::nullopt);
+    EXPECT_EQ(readXMLPropertyList("<date/>"), std::nullopt);
 }
 
 TEST(XMLPropertyList, DataIsBase64WithAnythingElseInIt) {
@@ -322,28 +337,30 @@ TEST(XMLPropertyList, DataIsBase64WithAnythingElseInIt) {
                  {"QUJ=", "AB"},
                  {"QU\xC3\xA9JD", "ABC"}};
     for (const auto& [text, bytes] : cases) {
-        EXPECT_EQ(read(std::string{"<data>"} + text + "</data>"), Value{Data{bytes}}) << text;
+        EXPECT_EQ(readXMLPropertyList(std::string{"<data>"} + text + "</data>"), Value{Data{bytes}})
+            << text;
     }
 }
 
 TEST(XMLPropertyList, OfSeveralEntriesWithOneKeyTheLastCounts) {
-    const auto value =
-        read("<dict><key>b</key><true/><key>a</key><true/><key>&#98;</key><false/></dict>");
+    const auto value = readXMLPropertyList(
+        "<dict><key>b</key><true/><key>a</key><true/><key>&#98;</key><false/></dict>");
     ASSERT_TRUE(value);
     const std::vector<Entry> expected{{"b", false}, {"a", true}};
     EXPECT_EQ(std::get<Dictionary>(*value).entries(), expected);
 }
 
 TEST(XMLPropertyList, ContainersNestAsDeepAsTheLimitAndNoDeeper) {
-    EXPECT_TRUE(read(nested("<array>", "</array>", maxDepth)));
-    EXPECT_TRUE(read("<plist>" + nested("<array>", "</array>", maxDepth) + "</plist>"));
-    EXPECT_FALSE(read(nested("<array>", "</array>", maxDepth + 1)));
+    EXPECT_TRUE(readXMLPropertyList(nested("<array>", "</array>", maxDepth)));
+    EXPECT_TRUE(
+        readXMLPropertyList("<plist>" + nested("<array>", "</array>", maxDepth) + "</plist>"));
+    EXPECT_FALSE(readXMLPropertyList(nested("<array>", "</array>", maxDepth + 1)));
     const std::string innermost = "<array/>";
-    EXPECT_TRUE(read(nested("<dict><key/>", "", maxDepth - 1) + innermost +
-                     nested("", "</dict>", maxDepth - 1)));
-    EXPECT_FALSE(
-        read(nested("<dict><key/>", "", maxDepth) + innermost + nested("", "</dict>", maxDepth)));
-    EXPECT_FALSE(read(nested("<array>", "", 1000000)));
+    EXPECT_TRUE(readXMLPropertyList(nested("<dict><key/>", "", maxDepth - 1) + innermost +
+                                    nested("", "</dict>", maxDepth - 1)));
+    EXPECT_FALSE(readXMLPropertyList(nested("<dict><key/>", "", maxDepth) + innermost +
+                                     nested("", "</dict>", maxDepth)));
+    EXPECT_FALSE(readXMLPropertyList(nested("<array>", "", 1000000)));
 }
 
 }  // namespace

@@ -84,7 +84,7 @@ int isMetaclass(Id cls) {
     return instance != nullptr && instance->isClass() ? 1 : 0;
 }
 
-int respondsToSelector(Id cls, Selector selector) {
+int classRespondsToSelector(Id cls, Selector selector) {
     const standin::Instance* const instance = instanceOfClass(cls, "class_respondsToSelector");
     return instance != nullptr && instance->respondsToSelector(selector) ? 1 : 0;
 }
@@ -112,7 +112,7 @@ struct Content {
 const Content objcRuntime = {
     .symbols = {{"_objc_empty_cache", &emptyMethodCache},
                 {"class_isMetaClass", code<isMetaclass>()},
-                {"class_respondsToSelector", code<respondsToSelector>()},
+                {"class_respondsToSelector", code<classRespondsToSelector>()},
                 {"objc_msgSend", reinterpret_cast<const void*>(quilletSendMessage)},
                 {"objc_msgSendSuper2", code<sendToSuper>()},
                 {"object_getClass", code<classOf>()},
