@@ -34,6 +34,17 @@ quietly() {  # command…
     return "$status"
 }
 
+# Runs one step of a script. Says which, and adds a line with how long it took, in seconds of time
+# and of processors, to the file that $STEP_TIMES names, if it names one.
+step() {  # what it is, command…
+    say "== $1"
+    local -r lines=$(mktemp) TIMEFORMAT='%R %U %S'
+    { time "${@:2}" 2>&3; } 3>&2 2>"$lines"
+    awk -v step="$1" '{ printf "%.0f s, %.0f s of processor time: %s\n", $1, $2 + $3, step }' \
+        "$lines" >>"${STEP_TIMES:-/dev/null}"
+    rm "$lines"
+}
+
 asRoot() {  # command…
     if ((EUID == 0)); then "$@"; else sudo "$@"; fi
 }
