@@ -44,8 +44,7 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef center, const void*
                                      CFNotificationSuspensionBehavior suspensionBehavior);
 
 /// Posts `name` to every process, as notify_post does, and like it never calls an observer. This
-/// centre ignores `object`, `userInfo` and
-/// `deliverImmediately`.
+/// centre ignores `object`, `userInfo` and `deliverImmediately`.
 void CFNotificationCenterPostNotification(CFNotificationCenterRef center, CFStringRef name,
                                           const void* object, CFDictionaryRef userInfo,
                                           Boolean deliverImmediately);

@@ -85,7 +85,7 @@ protected:
     ~NSObject() = default;
 
 private:
-    /// The class, on a device. Set by `alloc`, read by the runtime only.
+    /// The class. Set by `alloc`, read by the runtime only.
     [[maybe_unused]] void* word_;
 };
 

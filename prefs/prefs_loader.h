@@ -5,8 +5,9 @@
 
 namespace quillet {
 
-/// The preferences file of the bundle: a property-list dictionary that a settings interface
-/// writes. It is read afresh at every use, so that a change counts from the next flip on.
+/// The preferences file of the bundle: a property-list dictionary that a settings interface writes,
+/// but for the ringtone volume, which the switch keeps in it. It is read afresh at every use, so
+/// that a change counts from the next flip on.
 inline constexpr char preferencesPath[] =
     "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist";
 

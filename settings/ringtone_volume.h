@@ -18,7 +18,8 @@ extern "C" {
 /// the volume is then lost.
 [[gnu::visibility("default")]] void turnRingerVolumeOff();
 
-/// Sets the volume to the one kept in the preferences file, which stays there.
+/// Sets the volume to the one kept in the preferences file, which stays there: to 0.0 when the file
+/// keeps none, and to 1.0 when there is no file that can be read.
 [[gnu::visibility("default")]] void restoreRingerVolume();
 
 }  // extern "C"

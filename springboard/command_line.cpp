@@ -67,7 +67,8 @@ void addDeviceOptions(CLI::App& app, Options& options) {
     addOne("--bundle", "DIR", "the switch bundle (default: Quillet.bundle beside this program)",
            [&](auto& dir) { options.bundle = nonEmpty("--bundle", dir); });
     addOne("--machine", "NAME",
-           "the device's model (default: iPhone6,1); iPods keep their ringtone volume",
+           "the device's model (default: iPhone6,1); an iPod's ringtone volume is "
+           "saved and restored",
            [&](auto& name) { options.machine = machineName(name); });
     addOne("--host", "VARIANT",
            "what SpringBoard's classes are like, a list separated by commas of "

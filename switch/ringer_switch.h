@@ -27,7 +27,8 @@ public:
 
     /// Turns the ringer off (FSSwitchStateOff) or on (any other value but
     /// FSSwitchStateIndeterminate, which asks for nothing). Only 0 and 1 are stored as the new
-    /// state. Blocks for up to 1.25 s, in which the run loop turns; the switch may be asked for
+    /// state. Without a token for the word only the preferences are reloaded. Blocks for about
+    /// 1.25 s at the longest, and for what the run loop runs besides; the switch may be asked for
     /// its state meanwhile. The identifier is ignored.
     static void applyState(FSSwitchState state, NSString forSwitchIdentifier);
 };

@@ -105,8 +105,8 @@ BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
     return send<ValueInstance>(*this, [&](const ValueInstance& instance) -> BOOL {
         Device& device = Device::current();
         const auto content = standin::rewritePropertyList(instance.value);
-        const bool written = content && standin::writeFileAtomically(
-                                            device.below(standin::text(path)), *content);
+        const bool written =
+            content && standin::writeFileAtomically(device.below(standin::text(path)), *content);
         device.trace.message(instance.className(), "writeToFile:atomically:", path,
                              atomically != NO, Answer{written});
         return written;
@@ -124,7 +124,8 @@ BOOL NSFileManager::fileExistsAtPath(NSString path) const {
     return send(*this, [&](const Instance& manager) -> BOOL {
         Device& device = Device::current();
         std::error_code error;
-        const bool exists = std::filesystem::exists(device.below(standin::text(path)), error);
+        const bool exists =
+            path && std::filesystem::exists(device.below(standin::text(path)), error);
         device.trace.message(manager.description(), "fileExistsAtPath:", path, Answer{exists});
         return exists;
     });

@@ -113,9 +113,9 @@ TEST(Limits, TheStackIs128KilobytesAtMost) {
     shapes.push_back({"nested dictionaries", deep.substr(0, deep.size() - 12) + "</dict>"});
     for (int i = 1; i < maxDepth; ++i) shapes.back().bytes += "</dict>";
     ASSERT_TRUE(readPropertyList(shapes.back().bytes));
-    for (const auto& [name, bytes] : shapes) {
-        const auto taken = stackTakenBy([&] { readCopyChangeCompareAndDestroy(bytes); });
-        EXPECT_LE(taken - thread, std::size_t{128} << 10U) << name;
+    for (const auto& shape : shapes) {
+        const auto taken = stackTakenBy([&] { readCopyChangeCompareAndDestroy(shape.bytes); });
+        EXPECT_LE(taken - thread, std::size_t{128} << 10U) << shape.name;
     }
 }
 

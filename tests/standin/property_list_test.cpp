@@ -68,6 +68,10 @@ TEST_F(DictionaryFile, IsLookedUpBelowTheDevicesRoot) {
     EXPECT_EQ(NSFileManager::defaultManager().fileExistsAtPath("/etc/passwd"), NO);
 }
 
+TEST_F(DictionaryFile, NothingIsAtANilPath) {
+    EXPECT_EQ(NSFileManager::defaultManager().fileExistsAtPath(NSString{}), NO);
+}
+
 TEST_F(DictionaryFile, KeysAreMatchedExactly) {
     write(Dictionary{{"key", false}, {"", std::int64_t{0}}});
     const auto dictionary = NSDictionary::dictionaryWithContentsOfFile(path);
