@@ -65,7 +65,7 @@ public:
     explicit Arranger(const CLI::App& app) : app_{app}, command_{&app} {}
 
     Words arrange(const Words& line) {
-        Position word = line.begin();
+        auto word = line.begin();
         while (word != line.end() && *word != "--") {
             if (isOption(*word) && replacesCommand(*word)) {
                 word = line.end();

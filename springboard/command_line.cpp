@@ -57,7 +57,8 @@ CLI::Option& add(CLI::App& app, const char* name, const char* type, const char* 
 }
 
 void addDeviceOptions(CLI::App& app, Options& options) {
-    const auto addOne = [&](const char* name, const char* type, const char* meaning, Take take) {
+    const auto addOne = [&](const char* name, const char* type, const char* meaning,
+                            const Take& take) {
         add(app, name, type, meaning, take).group("The device");
     };
     addOne("--root", "DIR",
@@ -123,8 +124,7 @@ CLI::App& addCommand(CLI::App& app, const char* name, const char* meaning, Optio
 }
 
 void addSwitchCommands(CLI::App& app, Options& options) {
-    addCommand(app, "state", "print the switch's state, \"on\" or \"off\"", options,
-               Command::state);
+    addCommand(app, "state", R"(print the switch's state, "on" or "off")", options, Command::state);
     CLI::App& flip =
         addCommand(app, "flip", "turn the switch on or off, or tap it; print the new state",
                    options, Command::flip);
@@ -139,7 +139,7 @@ void addSwitchCommands(CLI::App& app, Options& options) {
     }).required();
     apply.footer(applyFooter);
     addCommand(app, "watch",
-               "print \"on\" or \"off\" at each refresh of the switch, until interrupted", options,
+               R"(print "on" or "off" at each refresh of the switch, until interrupted)", options,
                Command::watch);
 }
 

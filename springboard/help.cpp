@@ -81,7 +81,7 @@ std::string usageOf(const CLI::App& app) {
     std::string usage = termOf(app);
     const CLI::App* parent = app.get_parent();
     for (; parent->get_parent() != nullptr; parent = parent->get_parent()) {
-        usage = parent->get_name() + ' ' + usage;
+        usage.insert(0, parent->get_name() + ' ');
     }
     return parent->get_name() + " [OPTION]... " + usage;
 }

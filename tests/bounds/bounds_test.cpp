@@ -64,11 +64,11 @@ TEST(Limits, WhatWouldTakeTooMuchToWriteIsReadAndNotWritten) {
 
 TEST(Limits, WhatIsAddedToAValueCountsForIt) {
     Dictionary dictionary;
-    dictionary.set("data", Data{std::string(10000000, 'a')});
+    dictionary.set("data", Data{std::string(8000000, 'a')});
     EXPECT_TRUE(rewritePropertyList(dictionary));
     auto read = readPropertyList("<dict/>");
     ASSERT_TRUE(read);
-    std::get<Dictionary>(*read).set("data", Data{std::string(10000000, 'a')});
+    std::get<Dictionary>(*read).set("data", Data{std::string(8000000, 'a')});
     EXPECT_TRUE(rewritePropertyList(*read));
 }
 

@@ -66,7 +66,7 @@ std::string_view escaped(char c) {
         case '>':
             return "&gt;";
         default:
-            return {controlReferences[static_cast<std::size_t>(c)].data(), c < 10 ? 4U : 5U};
+            return {controlReferences[static_cast<unsigned char>(c)].data(), c < 10 ? 4U : 5U};
     }
 }
 
