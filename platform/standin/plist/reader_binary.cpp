@@ -22,9 +22,10 @@ using Enclosure = TapeBuilder::Enclosure;
 struct Trailer {
     std::size_t offsetSize = 0;
     std::size_t referenceSize = 0;
-    std::uint64_t objects = 0;
     std::uint64_t top = 0;
-    std::uint64_t offsets = 0;
+    // No larger than the file, which lies in memory.
+    std::size_t objects = 0;
+    std::size_t offsets = 0;
 };
 
 constexpr std::string_view magic = "bplist0";
@@ -35,13 +36,15 @@ std::optional<Trailer> trailerOf(std::string_view file) {
     if (file.size() < headerSize + trailerSize || !file.starts_with(magic)) return std::nullopt;
     const std::size_t end = file.size() - trailerSize;
     const std::string_view bytes = file.substr(end);
-    const Trailer trailer{static_cast<unsigned char>(bytes[6]),
-                          static_cast<unsigned char>(bytes[7]), bigEndian(bytes.substr(8, 8)),
-                          bigEndian(bytes.substr(16, 8)), bigEndian(bytes.substr(24, 8))};
+    Trailer trailer{static_cast<unsigned char>(bytes[6]), static_cast<unsigned char>(bytes[7]),
+                    bigEndian(bytes.substr(16, 8))};
+    const std::uint64_t objects = bigEndian(bytes.substr(8, 8));
+    const std::uint64_t offsets = bigEndian(bytes.substr(24, 8));
     const auto isSize = [](std::size_t size) { return size >= 1 && size <= 16; };
     if (!isSize(trailer.offsetSize) || !isSize(trailer.referenceSize)) return std::nullopt;
-    if (trailer.offsets > end) return std::nullopt;
-    if (trailer.objects > (end - trailer.offsets) / trailer.offsetSize) return std::nullopt;
+    if (offsets > end || objects > (end - offsets) / trailer.offsetSize) return std::nullopt;
+    trailer.objects = static_cast<std::size_t>(objects);
+    trailer.offsets = static_cast<std::size_t>(offsets);
     return trailer;
 }
 
@@ -105,13 +108,15 @@ private:
     std::optional<StoredObject> objectAt(std::uint64_t reference) {
         fault_.offset = trailer_.offsets;
         if (reference >= trailer_.objects) return std::nullopt;
-        const std::uint64_t entry = trailer_.offsets + reference * trailer_.offsetSize;
+        const std::size_t entry =
+            trailer_.offsets + static_cast<std::size_t>(reference) * trailer_.offsetSize;
         const std::uint64_t offset = bigEndian(file_.substr(entry, trailer_.offsetSize));
         fault_.offset = entry;
         if (offset < headerSize || offset >= trailer_.offsets) return std::nullopt;
-        fault_.offset = offset;
-        const unsigned marker = static_cast<unsigned char>(file_[offset]);
-        const std::string_view rest = file_.substr(offset + 1, trailer_.offsets - offset - 1);
+        fault_.offset = static_cast<std::size_t>(offset);
+        const unsigned marker = static_cast<unsigned char>(file_[fault_.offset]);
+        const std::string_view rest =
+            file_.substr(fault_.offset + 1, trailer_.offsets - fault_.offset - 1);
         return StoredObject{static_cast<Marker>(marker >> 4), marker & 0x0FU, rest};
     }
 
@@ -147,7 +152,7 @@ private:
 
     /// The node of a string or of data, which all references to it share; null for other objects.
     const Node* textOf(const StoredObject& object, std::uint64_t reference) {
-        Node& text = texts_[reference];
+        Node& text = texts_[static_cast<std::size_t>(reference)];
         if (text.kind == Kind::string || text.kind == Kind::data) return &text;
         const auto stored = textIn(object);
         if (!stored) return nullptr;
@@ -168,7 +173,7 @@ private:
         const bool isDictionary = enclosure == Enclosure::dictionary;
         const std::size_t size = trailer_.referenceSize;
         const auto count = takeCount(object, isDictionary ? 2 * size : size);
-        if (!count) return fail("a enclosure that is cut short");
+        if (!count) return fail("a container that is cut short");
         const std::string_view keys = takeBytes(object, isDictionary ? *count * size : 0);
         open_.push_back({enclosure, keys, takeBytes(object, *count * size)});
         return builder_.open(enclosure) || fail("containers that nest too deep");

@@ -40,7 +40,7 @@ struct Node {
         /// A string's or data's bytes, which the tape owns.
         const char* bytes;
         /// Elements of an array, entries of a dictionary.
-        std::uint64_t count;
+        std::size_t count;
     };
 
     std::string_view text() const { return {bytes, size}; }
