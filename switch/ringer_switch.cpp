@@ -30,7 +30,8 @@ void ringerStateChanged(CFNotificationCenterRef /*center*/, void* /*observer*/,
 }
 
 /// The nil rule for the one object that is a plain pointer: null answers NO.
-BOOL ask(BOOL (PrefsLoader::*choice)() const) {
+template <BOOL (PrefsLoader::*choice)() const>
+BOOL ask() {
     return _prefsLoader != nullptr ? (_prefsLoader->*choice)() : NO;
 }
 
@@ -75,7 +76,7 @@ void RingerSwitch::applyState(FSSwitchState state, NSString /*forSwitchIdentifie
     // Meant: no cancel on this path, unlike in stateForSwitchIdentifier.
     if (notify_register_check(ringerStateName, &token) != NOTIFY_STATUS_OK) return;
 
-    if (!ask(&PrefsLoader::defaultVibrationPattern)) turnSpringBoardVibrationOff();
+    if (!ask<&PrefsLoader::defaultVibrationPattern>()) turnSpringBoardVibrationOff();
 
     // Meant: a value with no name is not stored, but it is posted and turns the ringer on.
     if (state == FSSwitchStateOff) notify_set_state(token, 0);
@@ -89,9 +90,9 @@ void RingerSwitch::applyState(FSSwitchState state, NSString /*forSwitchIdentifie
     const BOOL ringerOn = state != FSSwitchStateOff;
     showAndMute(ringerOn);
 
-    if (!ask(&PrefsLoader::defaultVibrationPattern)) {
+    if (!ask<&PrefsLoader::defaultVibrationPattern>()) {
         restoreSpringBoardVibration();
-        if (ask(ringerOn ? &PrefsLoader::vibrateWhenOn : &PrefsLoader::vibrateWhenOff)) {
+        if (ringerOn ? ask<&PrefsLoader::vibrateWhenOn>() : ask<&PrefsLoader::vibrateWhenOff>()) {
             AudioServicesPlaySystemSound(kSystemSoundID_Vibrate);
         }
     }
