@@ -66,9 +66,10 @@ Word callWithStackMoved(const void* function, Word words) {
 }
 
 TEST(CallFromTheModule, FindsTheStackAlignedForLinux) {
-    const Word aligned = callWithStackMoved(code<misalignment>(), 0);
-    EXPECT_EQ(callWithStackMoved(code<misalignment>(), 1), aligned);
-    EXPECT_NE(callWithStackMoved(reinterpret_cast<const void*>(&misalignment), 1), aligned);
+    EXPECT_EQ(callWithStackMoved(code<misalignment>(), 0),
+              callWithStackMoved(code<misalignment>(), 1));
+    const auto* const plain = reinterpret_cast<const void*>(&misalignment);
+    EXPECT_NE(callWithStackMoved(plain, 0), callWithStackMoved(plain, 1));
 }
 
 /// As code of the module: uses r9 as it likes.
