@@ -133,9 +133,11 @@ buildPreset() {  # preset, [options of cmake --build…]
         fail "$folder cannot be built"
 }
 
-# Runs the tests of a preset that is built. All that is printed is the runner's.
+# Runs the tests of a preset that is built. Prints what the runner does, and how many tests there are
+# in each program that runs them all in one process.
 runTests() {  # preset
     local progress=()
     [[ ! -t 1 ]] || progress=(--progress)
     ctest --preset "$1" --parallel "$(nproc)" "${progress[@]}"
+    grep -aE '^\[  PASSED  \] [0-9]+ tests' "build/$1/Testing/Temporary/LastTest.log" || true
 }

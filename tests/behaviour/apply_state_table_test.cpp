@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/standin/plist/property_list.h"
 #include "tests/behaviour/choices.h"
 #include "tests/support/phone.h"
 
@@ -284,6 +285,9 @@ std::vector<HostVariant> allHosts() {
     return all;
 }
 
+const std::string settings =
+    standin::writePropertyList(Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
+
 class ApplyStateTable : public ::testing::TestWithParam<std::tuple<std::int32_t, bool>> {
 protected:
     /// Puts the phone into the case's situation, as new but for its clock.
@@ -291,13 +295,12 @@ protected:
         phone_.device().eventLoop.turn();
         phone_.device().host = situation.host;
         phone_.device().tokens.refuse(!situation.registers);
-        phone_.device().hardware.setVolume("Ringtone", 0.75F);
+        if (iPod_) phone_.device().hardware.setVolume("Ringtone", 0.75F);
         phone_.setStateWord(9);
         phone_.preferences().setDefaultVibrationPattern(NO);
         phone_.preferences().setVibrateWhenOff(YES);
         phone_.preferences().setVibrateWhenOn(NO);
-        phone_.write(springBoardPreferencesPath,
-                     Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
+        phone_.writeBytes(springBoardPreferencesPath, settings);
         writePreferences(situation.choices);
         phone_.log().clear();
     }
@@ -316,11 +319,12 @@ protected:
         prepare(situation);
         const Expectation expectation{situation, phone_.device().clock.now()};
         phone_.apply(situation.state);
-        ASSERT_THAT(phone_.calls(), ElementsAreArray(expectation.calls()));
+        if (phone_.calls() != expectation.calls()) {  // Matchers take as long as a flip.
+            ASSERT_THAT(phone_.calls(), ElementsAreArray(expectation.calls()));
+        }
         const bool stores = situation.registers && (situation.state == 0 || situation.state == 1);
         ASSERT_EQ(phone_.stateWord(), stores ? static_cast<std::uint64_t>(situation.state) : 9U);
-        ASSERT_EQ(phone_.dictionary(springBoardPreferencesPath),
-                  (Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}}));
+        ASSERT_EQ(phone_.bytes(springBoardPreferencesPath), settings);
     }
 
     const bool iPod_ = std::get<1>(GetParam());

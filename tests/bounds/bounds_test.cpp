@@ -76,7 +76,7 @@ TEST(Limits, WhatIsAddedToAValueCountsForIt) {
 std::size_t stackTakenBy(const std::function<void()>& work) {
     constexpr std::size_t size = std::size_t{8} << 20U;
     constexpr char untouched = '\x5A';
-    std::vector<char> stack(size, untouched);
+    std::string stack(size, untouched);
     pthread_attr_t attributes{};
     pthread_attr_init(&attributes);
     pthread_attr_setstack(&attributes, stack.data(), stack.size());
@@ -90,9 +90,7 @@ std::size_t stackTakenBy(const std::function<void()>& work) {
     pthread_attr_destroy(&attributes);
     if (error != 0) return size;
     pthread_join(thread, nullptr);
-    const auto touched =
-        std::find_if(stack.begin(), stack.end(), [](char byte) { return byte != untouched; });
-    return static_cast<std::size_t>(stack.end() - touched);
+    return size - std::min(stack.find_first_not_of(untouched), size);
 }
 
 void readCopyChangeCompareAndDestroy(const std::string& bytes) {

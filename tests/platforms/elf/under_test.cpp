@@ -3,7 +3,7 @@
 
 namespace quillet::test {
 
-std::filesystem::path bundleUnderTest() { return QUILLET_BUNDLE; }
+std::filesystem::path bundleUnderTest() { return QUILLET_BUNDLE_UNDER_TEST; }
 
 standin::OpenModule moduleOpener() { return standin::openSharedObject; }
 
