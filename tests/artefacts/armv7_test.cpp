@@ -28,7 +28,6 @@ using ::testing::Lt;
 using ::testing::Not;
 using ::testing::SizeIs;
 
-using Words = std::vector<std::string>;
 using Places = std::set<std::uint32_t>;
 
 std::string objdump(const std::string& options, const std::string& architecture = "armv7") {

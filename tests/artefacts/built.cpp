@@ -2,37 +2,30 @@
 #include "tests/artefacts/built.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
 namespace quillet::test {
 
-Outcome run(const std::string& command) {
-    FILE* const pipe = popen(("cd '" QUILLET_ROOT "' && " + command).c_str(), "r");
-    if (pipe == nullptr) return {};
-    Outcome outcome;
-    std::array<char, 4096> buffer = {};
-    while (const size_t size = fread(buffer.data(), 1, buffer.size(), pipe)) {
-        outcome.text.append(buffer.data(), size);
-    }
-    const int status = pclose(pipe);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return outcome;
+namespace {
+
+// The time of the build, for whatever writes it down.
+constexpr char time[] = "SOURCE_DATE_EPOCH=1700000000 ";
+
+}  // namespace
+
+Outcome run(const std::string& line) { return runInShell(line, QUILLET_ROOT); }
+
+std::string textOf(const std::string& line) {
+    const Outcome outcome = run(line);
+    EXPECT_EQ(outcome.status, 0) << line << '\n' << outcome.errors;
+    return outcome.output;
 }
 
-std::string textOf(const std::string& command) {
-    const Outcome outcome = run(command);
-    EXPECT_EQ(outcome.status, 0) << command;
-    return outcome.text;
-}
-
-std::vector<std::string> linesWith(const std::string& text, const std::string& part) {
-    std::vector<std::string> lines;
+Words linesWith(const std::string& text, const std::string& part) {
+    Words lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
         if (line.find(part) == std::string::npos) continue;
@@ -41,8 +34,8 @@ std::vector<std::string> linesWith(const std::string& text, const std::string& p
     return lines;
 }
 
-std::vector<std::string> column(const std::string& text, size_t column) {
-    std::vector<std::string> words;
+Words column(const std::string& text, size_t column) {
+    Words words;
     for (const std::string& line : linesWith(text, "")) {
         std::istringstream stream(line);
         std::string word;
@@ -54,24 +47,37 @@ std::vector<std::string> column(const std::string& text, size_t column) {
     return words;
 }
 
-const std::string& builtFolder() {
-    static const std::string folder = [] {
-        if (const char* const given = getenv("QUILLET_IOS_BUILD")) return std::string(given);
-        if (run("BUILD_DIR='" QUILLET_IOS_BUILD "' script/package").status != 0) {
-            fputs("script/package failed; nothing to test\n", stderr);
-            exit(EXIT_FAILURE);
-        }
-        return std::string(QUILLET_IOS_BUILD);
-    }();
-    return folder;
+std::string builtFolder() {
+    const char* const given = getenv("QUILLET_IOS_BUILD");
+    return given == nullptr ? QUILLET_IOS_BUILD : given;
 }
 
 std::string builtModule(const std::string& architecture) {
     return builtFolder() + "/" + architecture + "/Quillet.bundle/Quillet";
 }
 
+std::string packages() {
+    static const std::string made = textOf(makePackages(QUILLET_PACKAGES, builtFolder()));
+    return QUILLET_PACKAGES;
+}
+
+std::string repository() {
+    static const std::string made =
+        textOf(makeRepository(QUILLET_PACKAGES "/source", builtFolder()));
+    return QUILLET_PACKAGES "/source/repository";
+}
+
 std::string packageIn(const std::string& folder, const std::string& architecture) {
     return folder + "/com.velk.switch.ringer_" QUILLET_VERSION "_" + architecture + ".deb";
+}
+
+std::string makePackages(const std::string& folder, const std::string& bundles) {
+    return time + ("BUNDLE_DIR=" + bundles) + " BUILD_DIR=" + folder + " script/package";
+}
+
+std::string makeRepository(const std::string& folder, const std::string& bundles) {
+    return time + ("BUNDLE_DIR=" + bundles) + " BUILD_DIR=" + folder +
+           " script/repository https://example.org/switches/";
 }
 
 }  // namespace quillet::test

@@ -3,9 +3,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <sstream>
 #include <string>
 
@@ -28,15 +26,9 @@ const fs::path module = bundle / "Quillet";
 
 /// What a command of the system prints about the module.
 std::string printed(const std::string& command) {
-    const auto close = [](std::FILE* pipe) { EXPECT_EQ(pclose(pipe), 0); };
-    const std::string line = command + " '" + module.string() + "'";
-    const std::unique_ptr<std::FILE, decltype(close)> pipe{popen(line.c_str(), "r"), close};
-    std::string text;
-    std::array<char, 4096> chunk;
-    while (const std::size_t size = std::fread(chunk.data(), 1, chunk.size(), pipe.get())) {
-        text.append(chunk.data(), size);
-    }
-    return text;
+    const Outcome outcome = runInShell(command + " '" + module.string() + "'");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    return outcome.output;
 }
 
 /// Names that sanitizers and coverage put into every module that is built with them.

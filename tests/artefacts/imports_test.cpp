@@ -16,10 +16,8 @@ namespace {
 using ::testing::IsEmpty;
 using ::testing::UnorderedElementsAreArray;
 
-using Lines = std::vector<std::string>;
-
 /// "library symbol", "(weak)" behind what the module can do without.
-const Lines onEveryProcessor = {
+const Words onEveryProcessor = {
     "AudioToolbox _AudioServicesPlaySystemSound",
     "Celestial _OBJC_CLASS_$_AVSystemController (weak)",
     "CoreFoundation _CFNotificationCenterAddObserver",
@@ -64,7 +62,7 @@ const Lines onEveryProcessor = {
 struct Processor {
     std::string name;
     /// What the compiler and the linker ask for beside.
-    Lines more;
+    Words more;
 };
 
 void PrintTo(const Processor& processor, std::ostream* out) { *out << processor.name; }
@@ -78,7 +76,7 @@ const std::vector<Processor> processors = {
 /// "__DATA __got 0x8000 pointer 0 libSystem _uname", in the lazy table without "pointer 0".
 std::string importIn(const std::string& line) {
     std::istringstream stream(line);
-    Lines words;
+    Words words;
     for (std::string word; stream >> word;) words.push_back(word);
     const bool isWeak = words.back() == "(weak_import)";
     if (isWeak) words.pop_back();
@@ -86,8 +84,8 @@ std::string importIn(const std::string& line) {
 }
 
 /// Each once, however often the module needs it.
-Lines importsIn(const std::string& tables) {
-    Lines imports;
+Words importsIn(const std::string& tables) {
+    Words imports;
     for (const std::string& line : linesWith(tables, " 0x")) imports.push_back(importIn(line));
     std::sort(imports.begin(), imports.end());
     imports.erase(std::unique(imports.begin(), imports.end()), imports.end());
@@ -105,8 +103,8 @@ INSTANTIATE_TEST_SUITE_P(Built, Imports, testing::ValuesIn(processors),
                          [](const auto& instance) { return instance.param.name; });
 
 TEST_P(Imports, AreLookedForWhereADeviceHasThem) {
-    Lines expected = onEveryProcessor;
-    const Lines& more = GetParam().more;
+    Words expected = onEveryProcessor;
+    const Words& more = GetParam().more;
     expected.insert(expected.end(), more.begin(), more.end());
     EXPECT_THAT(importsIn(tables("--bind --lazy-bind")), UnorderedElementsAreArray(expected));
 }
@@ -117,14 +115,14 @@ TEST_P(Imports, AreNeverTakenFromWhicheverLibraryComesFirst) {
 
 // The symbol table tells of the same libraries: tools read it, and some loaders do.
 TEST_P(Imports, StandInTheSymbolTableWithTheSameLibraries) {
-    Lines expected;
+    Words expected;
     for (const std::string& line : importsIn(tables("--bind --lazy-bind"))) {
         std::istringstream stream(line);
         std::string library, symbol;
         stream >> library >> symbol;
         expected.push_back(symbol + " " + library);
     }
-    Lines found;
+    Words found;
     const std::string names = textOf("llvm-nm-14 -m -u " + builtModule(GetParam().name));
     for (std::string line : linesWith(names, "(from ")) {
         const auto library = line.find(" (from ");

@@ -5,12 +5,12 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-#include <iterator>
+#include <stdexcept>
 
 #include "packaging/ios/link/bytes.h"
 #include "packaging/ios/link/module_writer.h"
 #include "packaging/ios/link/stub_library.h"
+#include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::linker {
@@ -42,13 +42,11 @@ std::string with(std::string text, const std::string& part, const std::string& o
 /// The object that clang makes of an assembly source for `target`.
 std::string assembled(const std::string& source, const std::string& target = "armv7-apple-ios7.0") {
     const test::TemporaryFolder folder;
-    const std::string path = folder.path() / "source.s";
-    std::ofstream(path) << source;
-    const std::string command =
-        "clang-14 -c --target=" + target + " " + path + " -o " + path + ".o";
-    if (system(command.c_str()) != 0) throw std::runtime_error(command);
-    std::ifstream file(path + ".o", std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    test::writeText(folder.path() / "source.s", source);
+    const test::Outcome outcome =
+        test::runInShell("clang-14 -c --target=" + target + " source.s -o object", folder.path());
+    if (outcome.status != 0) throw std::runtime_error(outcome.errors);
+    return test::readText(folder.path() / "object");
 }
 
 std::string linked(const std::string& object, const std::string& exports = "") {

@@ -10,6 +10,7 @@
 #include <regex>
 
 #include "tests/artefacts/built.h"
+#include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
 namespace {
@@ -22,7 +23,7 @@ using ::testing::Not;
 using ::testing::UnorderedElementsAre;
 using ::testing::UnorderedElementsAreArray;
 
-const std::vector<std::string> face = {
+const Words face = {
     "_GLOBAL_vibrateWhenRinging",
     "_GLOBAL_vibrateWhenSilent",
     "_OBJC_CLASS_$_RingerSwitch",
@@ -38,7 +39,7 @@ const std::vector<std::string> face = {
 };
 
 /// The last word of each line.
-std::vector<std::string> lastWords(std::vector<std::string> lines) {
+Words lastWords(Words lines) {
     for (std::string& line : lines) line.erase(0, line.find_last_of(' ') + 1);
     return lines;
 }
@@ -124,7 +125,7 @@ TEST_P(Module, KeepsNoNameOfItsInside) {
 }
 
 TEST_P(Module, NeedsNothingOfTheCppRuntime) {
-    const std::vector<std::string> imports = column(names("--undefined-only"), 0);
+    const Words imports = column(names("--undefined-only"), 0);
     EXPECT_FALSE(imports.empty());
     EXPECT_THAT(imports, Each(Not(HasSubstr("__Z"))));
     EXPECT_THAT(imports, Each(Not(HasSubstr("__cxa"))));
@@ -182,7 +183,7 @@ TEST_P(Module64, DefinesTheClassPrefsLoaderWithThreeFlagsBehindItsFirstWord) {
 // Runtimes before system 10 look for the lists in __DATA only.
 TEST_P(Module, ListsTwoClassesOfWhichTheLoadOfOneMustRun) {
     const auto entries = [](const std::string& section) {
-        std::vector<std::string> lines = linesWith(objdump("--section=__DATA," + section), "\t");
+        Words lines = linesWith(objdump("--section=__DATA," + section), "\t");
         for (std::string& line : lines) line.erase(0, line.find('\t'));
         return lines;
     };
@@ -204,9 +205,10 @@ TEST_P(Module, IsUnder100KB) {
 }
 
 TEST(UniversalModule, HoldsTheModulesOfAllArchitecturesUnchanged) {
+    const TemporaryFolder folder;
+    const std::string slice = folder.path() / "slice";
     const std::string universal = builtModule("");
     for (const std::string architecture : {"armv7", "arm64", "x86_64"}) {
-        const std::string slice = builtFolder() + "/slice";
         textOf("llvm-lipo-14 " + universal + " -thin " + architecture + " -output " + slice);
         EXPECT_EQ(run("cmp " + slice + " " + builtModule(architecture)).status, 0) << architecture;
     }

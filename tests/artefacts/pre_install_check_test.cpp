@@ -28,7 +28,7 @@ protected:
         write(root_ + library_, "a library");
         setSystem("16.5.1");
         setModel("iPhone10,3");
-        textOf("dpkg-deb --control " + packageIn(builtFolder(), GetParam().architecture) + " " +
+        textOf("dpkg-deb --control " + packageIn(packages(), GetParam().architecture) + " " +
                folder_ + "/control");
     }
     ~PreInstallCheck() override { fs::remove_all(folder_); }
@@ -59,10 +59,10 @@ protected:
     void expectInstalled(const std::string& on) const {
         const Outcome outcome = check();
         EXPECT_EQ(outcome.status, 0) << on;
-        EXPECT_EQ(outcome.text, "") << on;
+        EXPECT_EQ(outcome.output, "") << on;
     }
 
-    const std::string folder_ = builtFolder() + "/pre_install";
+    const std::string folder_ = QUILLET_PACKAGES "/pre_install";
     const std::string root_ = folder_ + "/root";
     const std::string library_ = GetParam().prefix + "/usr/lib/libflipswitch.dylib";
     const std::string propertyList_ = root_ + "/System/Library/CoreServices/SystemVersion.plist";
@@ -84,7 +84,7 @@ TEST_P(PreInstallCheck, RefusesADeviceWithoutTheSwitchFramework) {
     for (const std::string action : {"install", "upgrade 0.9"}) {
         const Outcome outcome = check(action);
         EXPECT_EQ(outcome.status, 1) << action;
-        EXPECT_THAT(outcome.text, HasSubstr("there is no " + library_ + ". Install"));
+        EXPECT_THAT(outcome.output, HasSubstr("there is no " + library_ + ". Install"));
     }
 }
 
@@ -96,8 +96,8 @@ TEST_P(PreInstallCheck, RefusesASystemThatIsTooOld) {
         setSystem(version);
         const Outcome outcome = check();
         EXPECT_EQ(outcome.status, 1) << version;
-        EXPECT_THAT(outcome.text, AllOf(HasSubstr("system " + first + " or later"),
-                                        HasSubstr("this is " + version + ".")));
+        EXPECT_THAT(outcome.output, AllOf(HasSubstr("system " + first + " or later"),
+                                          HasSubstr("this is " + version + ".")));
     }
 }
 
@@ -115,7 +115,7 @@ TEST_P(PreInstallCheck, RefusesModelsWhoseHomeScreenRunsAsArm64e) {
         setModel(model);
         const Outcome outcome = check();
         EXPECT_EQ(outcome.status, 1) << model;
-        EXPECT_THAT(outcome.text, AllOf(HasSubstr(model), HasSubstr("arm64e")));
+        EXPECT_THAT(outcome.output, AllOf(HasSubstr(model), HasSubstr("arm64e")));
     }
 }
 

@@ -5,9 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "tests/artefacts/built.h"
 #include "tests/artefacts/signed_module.h"
 
@@ -22,16 +19,11 @@ using ::testing::StartsWith;
 
 class Signature : public testing::TestWithParam<std::string> {
 protected:
-    static std::string moduleBytes() {
-        std::ifstream file(builtModule(GetParam()), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    static std::vector<std::string> faultsIn(const std::string& module) {
+    static Words faultsIn(const std::string& module) {
         return readSignedModule(module, "Quillet").faults;
     }
 
-    std::string module_ = moduleBytes();
+    std::string module_ = readText(builtModule(GetParam()));
 };
 
 INSTANTIATE_TEST_SUITE_P(Built, Signature, testing::Values("armv7", "arm64", "x86_64"),

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "tests/support/child.h"
+#include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
 
@@ -62,6 +63,15 @@ int waitFor(pid_t process) {
     int report = 0;
     if (waitpid(process, &report, 0) != process) throw std::runtime_error("nobody to wait for");
     return statusOf(report);
+}
+
+Outcome runInShell(const std::string& line, const fs::path& folder) {
+    const TemporaryFolder streams;
+    const fs::path output = streams.path() / "output";
+    const fs::path errors = streams.path() / "errors";
+    const int status = waitFor(start(
+        "/bin/sh", {.words = {"-c", line}, .output = output, .errors = errors, .folder = folder}));
+    return {status, readText(output), readText(errors)};
 }
 
 std::string readText(const fs::path& file) {

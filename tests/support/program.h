@@ -41,6 +41,9 @@ pid_t start(const std::filesystem::path& program, const Start& how);
 /// Waits for a process's end; see Outcome for the answer.
 int waitFor(pid_t process);
 
+/// Runs a line of the shell's in the working folder `folder`, to its end.
+Outcome runInShell(const std::string& line, const std::filesystem::path& folder = ".");
+
 std::string readText(const std::filesystem::path& file);
 void writeText(const std::filesystem::path& file, const std::string& text);
 
