@@ -5,6 +5,7 @@
 
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/root.h"
+#include "platform/standin/files/draft.h"
 #include "platform/standin/files/draft_folder.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/notifications/notification_table.h"
@@ -52,6 +53,7 @@ void fill(const fs::path& root, const std::vector<NewFile>& files) {
 
 fs::path makeNewPhone(const fs::path& root, const std::vector<NewFile>& files) {
     const fs::path path = DeviceRoot::locate(root);
+    Draft::removeAbandoned(path.parent_path());
     if (fs::exists(path) && !(fs::is_directory(path) && fs::is_empty(path))) return path;
     fs::create_directories(path.parent_path());
     DraftFolder draft{path};

@@ -1,41 +1,41 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/files/draft_folder.h"
 
-#include <stdlib.h>
-#include <sys/stat.h>
+#include <fcntl.h>
 
 #include <cerrno>
-#include <string>
 #include <system_error>
-#include <utility>
 
 namespace quillet::standin {
 
 namespace fs = std::filesystem;
 
-DraftFolder::DraftFolder(const fs::path& place) : place_{place} {
-    std::string name = place.string() + ".XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), place.string());
-    }
-    path_ = std::move(name);
-    // As open to others as a folder that is made in the ordinary way.
-    fs::permissions(path_, fs::perms{0755});
+namespace {
+
+[[noreturn]] void throwError(const fs::path& path) {
+    throw std::system_error(errno, std::generic_category(), path.string());
 }
 
-DraftFolder::~DraftFolder() {
-    std::error_code ignored;
-    if (!path_.empty()) fs::remove_all(path_, ignored);
+/// Has all that is below a folder reach the disk.
+void flushBelow(const fs::path& folder) {
+    for (const auto& entry : fs::recursive_directory_iterator{folder}) {
+        const fs::path& path = entry.path();
+        const Descriptor file{
+            uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC); })};
+        if (!file.isOpen() || !flush(file.number())) throwError(path);
+    }
+}
+
+}  // namespace
+
+DraftFolder::DraftFolder(const fs::path& place)
+    : place_{place}, draft_{place.parent_path(), Draft::Kind::folder, 0777} {
+    if (!draft_.isMade()) throwError(place);
 }
 
 void DraftFolder::publish() {
-    std::error_code error;
-    fs::rename(path_, place_, error);
-    if (!error) {
-        path_.clear();
-    } else if (error != std::errc::directory_not_empty && error != std::errc::file_exists) {
-        throw std::system_error(error, place_.string());
-    }
+    flushBelow(path());
+    if (!draft_.publish(place_) && errno != ENOTEMPTY && errno != EEXIST) throwError(place_);
 }
 
 }  // namespace quillet::standin

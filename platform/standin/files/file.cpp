@@ -6,13 +6,16 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstddef>
-#include <cstdio>
-#include <cstdlib>
+#include <cerrno>
+#include <system_error>
 
 #include "platform/standin/files/descriptor.h"
+#include "platform/standin/files/draft.h"
 
 namespace quillet::standin {
+
+namespace fs = std::filesystem;
+
 namespace {
 
 bool isRegular(int file) {
@@ -20,11 +23,32 @@ bool isRegular(int file) {
     return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-/// The permission bits of the file at `path`, or those of a new file.
-mode_t modeFor(const std::filesystem::path& path) {
-    constexpr mode_t newFile = 0644;
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : newFile;
+/// Where the links at `path` lead, even if nothing is there.
+fs::path followed(fs::path path) {
+    constexpr int mostLinks = 40;  // of the system itself, see path_resolution(7)
+    for (int links = 0; links < mostLinks; ++links) {
+        std::error_code error;
+        const fs::path link = fs::read_symlink(path, error);
+        if (error) break;
+        path = path.parent_path() / link;
+    }
+    return path;
+}
+
+bool give(int file, uid_t owner, gid_t group) {
+    return uninterrupted([&] { return ::fchown(file, owner, group); }) == 0;
+}
+
+/// Gives `file` the owner, the group and the mode that the one before had, as far as this process
+/// may. Nobody is admitted who was not before.
+bool inherit(int file, const struct stat& before) {
+    constexpr auto sameOwner = static_cast<uid_t>(-1);
+    const bool ownerStays = give(file, before.st_uid, before.st_gid);
+    const bool groupStays = ownerStays || give(file, sameOwner, before.st_gid);
+    mode_t mode = before.st_mode & 07777U;
+    if (!ownerStays) mode &= 01777U;
+    if (!groupStays) mode &= 07707U | (mode & 07U) << 3U;
+    return uninterrupted([&] { return ::fchmod(file, mode); }) == 0 || errno == EPERM;
 }
 
 bool writeAll(int file, std::string_view bytes) {
@@ -39,7 +63,7 @@ bool writeAll(int file, std::string_view bytes) {
 
 }  // namespace
 
-std::optional<std::string> readFile(const std::filesystem::path& path) {
+std::optional<std::string> readFile(const fs::path& path) {
     // Without waiting: opening a FIFO would otherwise last until somebody writes to it.
     constexpr int flags = O_RDONLY | O_NONBLOCK | O_CLOEXEC;
     const Descriptor file{uninterrupted([&] { return ::open(path.c_str(), flags); })};
@@ -55,17 +79,17 @@ std::optional<std::string> readFile(const std::filesystem::path& path) {
     }
 }
 
-bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
-    std::string temporary = path.parent_path() / ".quillet-XXXXXX";
-    Descriptor file{::mkostemp(temporary.data(), O_CLOEXEC)};
-    if (!file.isOpen()) return false;
-    // Not synced to the disk: a process killed at any instant leaves the old bytes or the new, and
-    // that is what matters; a loss of power is not modelled.
-    const bool isReplaced = writeAll(file.number(), bytes) &&
-                            ::fchmod(file.number(), modeFor(path)) == 0 && file.close() &&
-                            ::rename(temporary.c_str(), path.c_str()) == 0;
-    if (!isReplaced) ::unlink(temporary.c_str());
-    return isReplaced;
+bool writeFileAtomically(const fs::path& path, std::string_view bytes) {
+    constexpr mode_t newFile = 0666;
+    constexpr mode_t forNobodyElse = 0600;
+    std::error_code error;
+    const fs::path place = followed(fs::absolute(path, error));
+    struct stat before {};
+    const bool isThere = ::lstat(place.c_str(), &before) == 0;
+    if (isThere ? !S_ISREG(before.st_mode) : errno != ENOENT) return false;
+    Draft draft{place.parent_path(), Draft::Kind::file, isThere ? forNobodyElse : newFile};
+    return draft.isMade() && writeAll(draft.descriptor(), bytes) &&
+           (!isThere || inherit(draft.descriptor(), before)) && draft.publish(place);
 }
 
 }  // namespace quillet::standin

@@ -11,9 +11,11 @@ namespace quillet::standin {
 /// The bytes of the regular file at `path`; nothing when there is none or it cannot be read.
 std::optional<std::string> readFile(const std::filesystem::path& path);
 
-/// Puts `bytes` in place of what is at `path`, by way of a temporary file beside it; the mode of a
-/// file that was there is kept. False when that fails; `path` then holds what it held, and no
-/// temporary file is left.
+/// Puts `bytes` in place of the regular file at `path`, by way of a draft beside it. A link at
+/// `path` is followed and stays. A file that was there hands on its owner, group and mode, as far
+/// as this process may give them; a new one has what the process's umask leaves of 0666. The bytes
+/// are on the disk before the old ones may go. False when that fails, when something else than a
+/// file is there, or when what is there cannot be looked at; `path` then holds what it held.
 bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes);
 
 }  // namespace quillet::standin

@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "platform/standin/files/draft.h"
+
+#include <fcntl.h>
+#include <stdio.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <new>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+namespace quillet::standin {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view draftPrefix = ".quillet-draft-";
+
+/// A name that no draft of a living process has had.
+std::string newDraftName() {
+    static std::atomic<unsigned> serial = 0;
+    return std::string{draftPrefix} + std::to_string(getpid()) + "-" + std::to_string(serial++);
+}
+
+bool isNumber(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
+}
+
+bool isDraftName(std::string_view name) {
+    if (!name.starts_with(draftPrefix)) return false;
+    name.remove_prefix(draftPrefix.size());
+    const std::size_t dash = std::min(name.find('-'), name.size() - 1);
+    return isNumber(name.substr(0, dash)) && isNumber(name.substr(dash + 1));
+}
+
+void removeDraft(const fs::path& path) noexcept {
+    if (unlink(path.c_str()) == 0) return;
+    try {
+        std::error_code ignored;
+        fs::remove_all(path, ignored);
+    } catch (const std::bad_alloc&) {
+        return;  // It stays, for the next one in this folder to remove.
+    }
+}
+
+int openFile(const fs::path& path, int flags, mode_t mode = 0) {
+    return uninterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC, mode); });
+}
+
+int openNew(const fs::path& path, Draft::Kind kind, mode_t mode) {
+    if (kind == Draft::Kind::file) return openFile(path, O_WRONLY | O_CREAT | O_EXCL, mode);
+    if (mkdir(path.c_str(), mode) != 0) return -1;
+    const int folder = openFile(path, O_RDONLY | O_DIRECTORY);
+    if (folder == -1) rmdir(path.c_str());
+    return folder;
+}
+
+bool lock(int draft) {
+    return uninterrupted([&] { return flock(draft, LOCK_EX | LOCK_NB); }) == 0;
+}
+
+/// Locks a draft of one's own, where the file system knows locks. False when somebody has taken it
+/// for abandoned in the instant since it was made.
+bool keep(int draft) {
+    if (!lock(draft)) return errno != EWOULDBLOCK;
+    struct stat status = {};
+    return fstat(draft, &status) != 0 || status.st_nlink > 0;
+}
+
+/// The descriptor of a new draft at `path`; -1, with EEXIST where another name may do.
+int makeAt(const fs::path& path, Draft::Kind kind, mode_t mode) {
+    Descriptor draft{openNew(path, kind, mode)};
+    if (!draft.isOpen() || keep(draft.number())) return draft.release();
+    removeDraft(path);
+    errno = EEXIST;
+    return -1;
+}
+
+/// The same, under a name that goes to `path`.
+int makeIn(const fs::path& folder, Draft::Kind kind, mode_t mode, fs::path& path) {
+    Draft::removeAbandoned(folder);
+    constexpr int names = 100;
+    int draft = -1;
+    for (int name = 0; name < names && draft == -1; ++name) {
+        path = folder / newDraftName();
+        draft = makeAt(path, kind, mode);
+        if (draft == -1 && errno != EEXIST) break;
+    }
+    return draft;
+}
+
+/// Opens, without waiting for whoever may be at the other end, and removes what nobody has locked.
+void removeIfAbandoned(const fs::path& path) {
+    const Descriptor draft{openFile(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW)};
+    if (draft.isOpen() && lock(draft.number())) removeDraft(path);
+}
+
+}  // namespace
+
+bool flush(int descriptor) {
+    return uninterrupted([&] { return fsync(descriptor); }) == 0 || errno == EINVAL;
+}
+
+Draft::Draft(const fs::path& folder, Kind kind, mode_t mode)
+    : file_{makeIn(folder, kind, mode, path_)} {}
+
+Draft::~Draft() {
+    if (isMade() && !isPublished_) removeDraft(path_);
+}
+
+bool Draft::publish(const fs::path& place) {
+    if (!flush(descriptor()) || rename(path_.c_str(), place.c_str()) != 0) return false;
+    isPublished_ = true;
+    // No failure from here: what is at the place is whole, on the disk the one or the other.
+    const Descriptor folder{openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY)};
+    if (folder.isOpen()) flush(folder.number());
+    return true;
+}
+
+void Draft::removeAbandoned(const fs::path& folder) noexcept {
+    try {
+        std::error_code error;
+        fs::directory_iterator entry{folder, error};
+        for (; entry != fs::directory_iterator{}; entry.increment(error)) {
+            if (isDraftName(entry->path().filename().native())) removeIfAbandoned(entry->path());
+        }
+    } catch (const std::bad_alloc&) {
+        return;  // They stay, for the next one in this folder to remove.
+    }
+}
+
+}  // namespace quillet::standin
