@@ -72,7 +72,7 @@ public:
     static NSFileManager defaultManager();
 
     /// YES when there is a file or folder at `path`, an absolute path of the device, whether or not
-    /// it can be read. NO also when that cannot be found out, and for a nil `path`.
+    /// it can be read. NO for a nil `path`. Where that cannot be found out, the platform decides.
     BOOL fileExistsAtPath(NSString path) const;
 };
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/property_list.h"
 
-#include <filesystem>
 #include <utility>
 
 #include "platform/standin/device/device.h"
@@ -123,9 +122,7 @@ NSFileManager NSFileManager::defaultManager() {
 BOOL NSFileManager::fileExistsAtPath(NSString path) const {
     return send(*this, [&](const Instance& manager) -> BOOL {
         Device& device = Device::current();
-        std::error_code error;
-        const bool exists =
-            path && std::filesystem::exists(device.below(standin::text(path)), error);
+        const bool exists = path && standin::mayExist(device.below(standin::text(path)));
         device.trace.message(manager.description(), "fileExistsAtPath:", path, Answer{exists});
         return exists;
     });

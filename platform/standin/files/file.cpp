@@ -63,6 +63,11 @@ bool writeAll(int file, std::string_view bytes) {
 
 }  // namespace
 
+bool mayExist(const fs::path& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
+}
+
 std::optional<std::string> readFile(const fs::path& path) {
     // Without waiting: opening a FIFO would otherwise last until somebody writes to it.
     constexpr int flags = O_RDONLY | O_NONBLOCK | O_CLOEXEC;

@@ -8,6 +8,10 @@
 
 namespace quillet::standin {
 
+/// False when nothing is at `path`, or a link that leads to nothing. What cannot be looked at may
+/// be there: nobody is to take it for absent and put something in its place.
+bool mayExist(const std::filesystem::path& path);
+
 /// The bytes of the regular file at `path`; nothing when there is none or it cannot be read.
 std::optional<std::string> readFile(const std::filesystem::path& path);
 

@@ -20,6 +20,7 @@ namespace quillet::test {
 namespace {
 
 namespace fs = std::filesystem;
+using standin::mayExist;
 using standin::readFile;
 using standin::writeFileAtomically;
 
@@ -203,6 +204,32 @@ TEST_F(FileCalls, ADraftThatIsTakenForAbandonedBeforeItIsLockedIsMadeAgain) {
     EXPECT_GE(taken, 3);
     EXPECT_EQ(readFile(path()), newBytes);
     EXPECT_EQ(entriesOf(folder()), 2);
+}
+
+TEST_F(FileCalls, ThatLookAndFailDoNotMakeAFileAbsent) {
+    for (const int error : {EIO, EACCES, ENOMEM, ELOOP, ENAMETOOLONG, EOVERFLOW}) {
+        const auto fail = [&](const SystemCall& call) {
+            return isStat(call.number) ? Verdict{Verdict::Kind::fails, error} : Verdict{};
+        };
+        const auto look = [this] { return mayExist(path()) ? 1 : 0; };
+        EXPECT_EQ(supervise(callsThatLook(), look, fail), 1) << error;
+        const auto write = [this] { return writeFileAtomically(path(), newBytes) ? 1 : 0; };
+        EXPECT_EQ(supervise(callsThatLook(), write, fail), 0) << error;
+        EXPECT_EQ(readFile(path()), oldBytes) << error;
+    }
+}
+
+TEST_F(FileCalls, ThatFindNothingMakeAFileAbsent) {
+    for (const int error : {ENOENT, ENOTDIR}) {
+        const auto look = [this] { return mayExist(path()) ? 1 : 0; };
+        EXPECT_EQ(
+            supervise(
+                callsThatLook(), look,
+                [&](const SystemCall& call) {
+                    return isStat(call.number) ? Verdict{Verdict::Kind::fails, error} : Verdict{};
+                }),
+            0);
+    }
 }
 
 }  // namespace

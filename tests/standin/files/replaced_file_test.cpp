@@ -18,6 +18,7 @@ namespace quillet::test {
 namespace {
 
 namespace fs = std::filesystem;
+using standin::mayExist;
 using standin::readFile;
 using standin::writeFileAtomically;
 
@@ -65,6 +66,7 @@ TEST_F(ReplacedFile, BehindALinkInALinkedFolderIsTheOneThatTheSystemFinds) {
 
 TEST_F(ReplacedFile, ThatALinkLeadsToNeedNotBeThere) {
     fs::create_symlink("file", path("link"));
+    EXPECT_FALSE(mayExist(path("link")));
     EXPECT_TRUE(writeFileAtomically(path("link"), "new"));
     EXPECT_TRUE(fs::is_symlink(path("link")));
     EXPECT_EQ(readFile(path("file")), "new");
@@ -72,6 +74,7 @@ TEST_F(ReplacedFile, ThatALinkLeadsToNeedNotBeThere) {
 
 TEST_F(ReplacedFile, IsNoneBehindLinksWithoutAnEnd) {
     fs::create_symlink("circle", path("circle"));
+    EXPECT_TRUE(mayExist(path("circle"))) << "who could look?";
     EXPECT_FALSE(writeFileAtomically(path("circle"), "new"));
     EXPECT_TRUE(fs::is_symlink(path("circle")));
     EXPECT_EQ(entries(), 1);
