@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
+#include <sys/syscall.h>
 
 #include <filesystem>
 #include <optional>
@@ -8,7 +9,9 @@
 #include "platform/property_list.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
+#include "platform/standin/runtime/dictionary_file.h"
 #include "tests/standin/on_a_device.h"
+#include "tests/support/supervisor.h"
 
 namespace quillet::test {
 namespace {
@@ -61,6 +64,23 @@ TEST_F(DictionaryFile, ThatIsMissingBrokenOrSomethingElseGivesNil) {
     std::filesystem::remove(device().below(path));
     std::filesystem::create_directory(device().below(path));
     expectNoDictionary();
+}
+
+TEST_F(DictionaryFile, ThatIsTooLargeIsNotReadAtAll) {
+    write(std::string{});
+    const std::string file = device().below(path);
+    std::filesystem::resize_file(file, standin::maxSettingsSize + 1);
+    int reads = 0;
+    const auto read = [this] {
+        expectNoDictionary();
+        return 0;
+    };
+    supervise({SYS_read}, read, [&](const SystemCall& call) {
+        reads += call.file(0) == file ? 1 : 0;
+        return Verdict{};
+    });
+    EXPECT_EQ(reads, 0);
+    EXPECT_EQ(NSFileManager::defaultManager().fileExistsAtPath(path), YES);
 }
 
 TEST_F(DictionaryFile, IsLookedUpBelowTheDevicesRoot) {

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <system_error>
 
 #include "platform/standin/files/descriptor.h"
@@ -18,9 +19,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool isRegular(int file) {
+bool isRegular(int file, std::size_t maxSize) {
     struct stat status {};
-    return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode);
+    return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
+           static_cast<std::uint64_t>(status.st_size) <= maxSize;
 }
 
 /// Where the links at `path` lead, even if nothing is there.
@@ -68,20 +70,21 @@ bool mayExist(const fs::path& path) {
     return ::stat(path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
-std::optional<std::string> readFile(const fs::path& path) {
+std::optional<std::string> readFile(const fs::path& path, std::size_t maxSize) {
     // Without waiting: opening a FIFO would otherwise last until somebody writes to it.
     constexpr int flags = O_RDONLY | O_NONBLOCK | O_CLOEXEC;
     const Descriptor file{uninterrupted([&] { return ::open(path.c_str(), flags); })};
-    if (!file.isOpen() || !isRegular(file.number())) return std::nullopt;
+    if (!file.isOpen() || !isRegular(file.number(), maxSize)) return std::nullopt;
     std::string bytes;
     std::array<char, 65536> chunk;
-    for (;;) {
+    while (bytes.size() <= maxSize) {
         const auto size =
             uninterrupted([&] { return ::read(file.number(), chunk.data(), chunk.size()); });
         if (size < 0) return std::nullopt;
         if (size == 0) return bytes;
         bytes.append(chunk.data(), static_cast<std::size_t>(size));
     }
+    return std::nullopt;
 }
 
 bool writeFileAtomically(const fs::path& path, std::string_view bytes) {

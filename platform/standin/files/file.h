@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,8 +14,10 @@ namespace quillet::standin {
 /// be there: nobody is to take it for absent and put something in its place.
 bool mayExist(const std::filesystem::path& path);
 
-/// The bytes of the regular file at `path`; nothing when there is none or it cannot be read.
-std::optional<std::string> readFile(const std::filesystem::path& path);
+/// The bytes of the regular file at `path`; nothing when there is none, it cannot be read or it has
+/// more than `maxSize` bytes.
+std::optional<std::string> readFile(const std::filesystem::path& path,
+                                    std::size_t maxSize = std::numeric_limits<std::size_t>::max());
 
 /// Puts `bytes` in place of the regular file at `path`, by way of a draft beside it. A link at
 /// `path` is followed and stays. A file that was there hands on its owner, group and mode, as far

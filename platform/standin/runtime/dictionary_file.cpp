@@ -10,7 +10,7 @@
 namespace quillet::standin {
 
 std::optional<Dictionary> readDictionary(const std::filesystem::path& path) {
-    auto bytes = readFile(path);
+    auto bytes = readFile(path, maxSettingsSize);
     auto value = bytes ? readPropertyList(*std::move(bytes)) : std::nullopt;
     auto* const dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
     return dictionary ? std::optional{std::move(*dictionary)} : std::nullopt;

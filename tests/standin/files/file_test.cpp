@@ -94,6 +94,14 @@ TEST_F(File, AFIFOIsNothingAndDoesNotBlock) {
 
 TEST_F(File, ADeviceIsNothing) { EXPECT_EQ(readFile("/dev/zero"), std::nullopt); }
 
+TEST_F(File, IsReadUpToASizeThatIsAskedFor) {
+    EXPECT_EQ(readFile(fileWith("12345"), 5), "12345");
+    EXPECT_EQ(readFile(fileWith("123456"), 5), std::nullopt);
+    EXPECT_EQ(readFile("/proc/self/status", 5), std::nullopt) << "whatever size it claims to have";
+    fs::resize_file(path("file"), std::uintmax_t{3} << 30U);
+    EXPECT_EQ(readFile(path("file"), 5), std::nullopt);
+}
+
 TEST_F(File, AFileOfTheSystemWithoutASizeOfItsOwnIsRead) {
     const auto bytes = readFile("/proc/self/status");
     ASSERT_TRUE(bytes);
