@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <iterator>
+#include <stdexcept>
+
+#include "platform/standin/device/device.h"
+#include "platform/standin/device/new_phone.h"
+#include "tests/support/child.h"
+#include "tests/support/program.h"
+#include "tests/support/supervisor.h"
+#include "tests/support/temporary_folder.h"
+
+namespace quillet::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A device that is made while its maker's system calls meet their verdicts.
+class NewPhoneCalls : public testing::Test {
+protected:
+    fs::path folder() const { return folder_.path(); }
+    fs::path root() const { return folder() / "root"; }
+
+    std::ptrdiff_t entries() const {
+        return std::distance(fs::directory_iterator{folder()}, fs::directory_iterator{});
+    }
+
+    /// 0, or 1 when it cannot be made.
+    int make() const {
+        try {
+            standin::makeNewPhone(root(), {});
+            return 0;
+        } catch (const std::runtime_error&) {
+            return 1;
+        }
+    }
+
+    /// Has `round` done with each system call in turn meeting `verdict`, until there is no further.
+    template <class Round>
+    void forEachCall(const Verdict& verdict, Round round) const {
+        int place = 0;
+        for (;; ++place) {
+            fs::remove_all(root());
+            Nth nth{place, verdict};
+            round(nth);
+            if (!nth.hasCome()) break;
+        }
+        EXPECT_GT(place, 40) << "four files, and the folders above them";
+    }
+
+    void expectDevice() const {
+        const standin::Device device{{.root = root()}};
+        EXPECT_EQ(device.hardware.volume("Ringtone"), 0.75F);
+        EXPECT_EQ(entries(), 1) << "nothing is left beside it";
+    }
+
+private:
+    TemporaryFolder folder_;
+};
+
+TEST_F(NewPhoneCalls, BeforeEachOfWhichItsMakerIsKilledLeaveWhatTheNextOneRemoves) {
+    forEachCall({Verdict::Kind::kills, 0}, [this](Nth& nth) {
+        const int status = supervise(
+            callsThatChange(), [this] { return Child{[this] { return make(); }}.wait(); },
+            std::ref(nth));
+        EXPECT_EQ(status, nth.hasCome() ? -SIGKILL : 0);
+        EXPECT_LE(entries(), 1);
+        expectDevice();
+    });
+}
+
+TEST_F(NewPhoneCalls, EachOfWhichFailsOnceLeaveAWholeDeviceOrNothing) {
+    forEachCall({Verdict::Kind::fails, EIO}, [this](Nth& nth) {
+        const bool isMade = supervise(
+                                callsThatChange(), [this] { return make(); }, std::ref(nth)) == 0;
+        EXPECT_EQ(fs::exists(root()), isMade) << nth.number();
+        EXPECT_EQ(entries(), isMade ? 1 : 0) << nth.number();
+        if (isMade) expectDevice();
+    });
+}
+
+TEST_F(NewPhoneCalls, OfOneWhoDiesWhileSomebodyElseIsFasterLeaveNothingForTheNext) {
+    supervise(
+        callsThatChange(), [this] { return Child{[this] { return make(); }}.wait(); },
+        [this](const SystemCall& call) {
+            const auto paths = call.paths();
+            if (paths.size() != 2 || paths[1] != root()) return Verdict{};
+            EXPECT_EQ(make(), 0);
+            return Verdict{Verdict::Kind::kills, 0};
+        });
+    EXPECT_EQ(entries(), 2) << "the device, and half of another";
+    EXPECT_EQ(make(), 0);
+    expectDevice();
+}
+
+TEST_F(NewPhoneCalls, LeaveFoldersOfTheUsersAlone) {
+    fs::create_directories(folder() / "root.backup");
+    fs::create_directories(folder() / ".quillet-drafts");
+    EXPECT_EQ(make(), 0);
+    EXPECT_EQ(entries(), 3);
+}
+
+}  // namespace
+}  // namespace quillet::test
