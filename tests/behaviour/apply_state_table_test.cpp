@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/standin/plist/property_list.h"
 #include "tests/behaviour/choices.h"
 #include "tests/support/phone.h"
 
@@ -285,8 +284,7 @@ std::vector<HostVariant> allHosts() {
     return all;
 }
 
-const std::string settings =
-    standin::writePropertyList(Dictionary{{"ring-vibrate", true}, {"silent-vibrate", false}});
+const Dictionary settings = {{"ring-vibrate", true}, {"silent-vibrate", false}};
 
 class ApplyStateTable : public ::testing::TestWithParam<std::tuple<std::int32_t, bool>> {
 protected:
@@ -300,7 +298,7 @@ protected:
         phone_.preferences().setDefaultVibrationPattern(NO);
         phone_.preferences().setVibrateWhenOff(YES);
         phone_.preferences().setVibrateWhenOn(NO);
-        phone_.writeBytes(springBoardPreferencesPath, settings);
+        phone_.write(springBoardPreferencesPath, settings);
         writePreferences(situation.choices);
         phone_.log().clear();
     }
@@ -324,7 +322,7 @@ protected:
         }
         const bool stores = situation.registers && (situation.state == 0 || situation.state == 1);
         ASSERT_EQ(phone_.stateWord(), stores ? static_cast<std::uint64_t>(situation.state) : 9U);
-        ASSERT_EQ(phone_.bytes(springBoardPreferencesPath), settings);
+        ASSERT_EQ(phone_.dictionary(springBoardPreferencesPath), settings);
     }
 
     const bool iPod_ = std::get<1>(GetParam());
