@@ -64,7 +64,7 @@ protected:
     /// Whether `send` reaches a receiver that answers `selector`.
     template <class Send>
     bool answers(const std::string& selector, Send send) {
-        forgetCalls();
+        log().clear();
         send();
         return !only(calls(), {selector}).empty();
     }
@@ -124,7 +124,7 @@ TEST_F(HostClasses, EveryVariantHasAndAnswersWhatItSays) {
 TEST_F(HostClasses, AnAbsentClassIsLookedUpAndThenReachesNobody) {
     for (const HostVariant::Media media : everyMedia) {
         device().host = {HostVariant::Indicator::absent, media};
-        forgetCalls();
+        log().clear();
         const auto cls = SBRingerHUDController::classInHost();
         EXPECT_EQ(cls.respondsToSelector("activate:"), NO);
         cls.activate(1);
@@ -148,7 +148,7 @@ TEST_F(HostClasses, TheClassAndItsInstanceAreTraced) {
 
 TEST_F(HostClasses, AnyIntegerMayBeShown) {
     const auto cls = SBRingerHUDController::classInHost();
-    forgetCalls();
+    log().clear();
     cls.activate(-2147483647 - 1);
     cls.activate(255);
     EXPECT_THAT(calls(), ElementsAre("SBRingerHUDController activate:(-2147483648)",
@@ -157,7 +157,7 @@ TEST_F(HostClasses, AnyIntegerMayBeShown) {
 
 TEST_F(HostClasses, MutingIsKeptByTheDevice) {
     const auto media = SBMediaController::classInHost().sharedInstance();
-    forgetCalls();
+    log().clear();
     media.setRingerMuted(YES);
     EXPECT_TRUE(device().hardware.isRingerMuted());
     media.setRingerMuted(NO);
@@ -172,7 +172,7 @@ TEST_F(HostClasses, MutingIsKeptByTheDevice) {
 TEST_F(HostClasses, ADeafIndicatorIsSentNothing) {
     device().host.indicator = HostVariant::Indicator::deaf;
     const auto indicator = SBRingerHUDController::classInHost().sharedInstance();
-    forgetCalls();
+    log().clear();
     indicator.activate(1);
     EXPECT_THAT(calls(), IsEmpty());
 }

@@ -15,18 +15,22 @@ namespace quillet::test {
 using standin::Dictionary;
 using standin::Value;
 
-Phone::Phone(const PhoneOptions& options)
-    : device_{{.root = folder_.path() / "root",
-               .machine = options.machine,
-               .host = options.host,
-               .clock = options.clock,
-               .openModule = moduleOpener()}} {
-    device_.trace.setSink([this](const standin::TraceRecord& record) {
-        log_.add(record);
+namespace {
+
+MachineOptions withModuleUnderTest(MachineOptions options) {
+    options.openModule = moduleOpener();
+    return options;
+}
+
+}  // namespace
+
+Phone::Phone(MachineOptions options) : Machine{withModuleUnderTest(std::move(options))} {
+    device().trace.setSink([this](const standin::TraceRecord& record) {
+        log().add(record);
         if (!tokenWork_ || record.operation != "notify_register_check") return;
         tokenWork_(static_cast<int>(std::get<std::int64_t>(record.arguments[1])));
     });
-    device_.framework.load(bundleUnderTest());
+    device().framework.load(bundleUnderTest());
 }
 
 FSSwitchState Phone::state(const char* identifier) {
@@ -40,7 +44,7 @@ void Phone::apply(std::int32_t state, const char* identifier) {
 void Phone::whenTokenIsTaken(std::function<void(int token)> work) { tokenWork_ = std::move(work); }
 
 standin::FSSwitchDataSource& Phone::dataSource() {
-    return *device_.framework.dataSource(switchIdentifier);
+    return *device().framework.dataSource(switchIdentifier);
 }
 
 void Phone::write(std::string_view path, const Value& value) {
@@ -48,35 +52,35 @@ void Phone::write(std::string_view path, const Value& value) {
 }
 
 void Phone::writeBytes(std::string_view path, std::string_view bytes) {
-    if (!standin::writeFileAtomically(device_.below(path), bytes)) {
+    if (!standin::writeFileAtomically(device().below(path), bytes)) {
         throw std::runtime_error("cannot write " + std::string{path});
     }
 }
 
-void Phone::remove(std::string_view path) { std::filesystem::remove_all(device_.below(path)); }
+void Phone::remove(std::string_view path) { std::filesystem::remove_all(device().below(path)); }
 
 std::optional<std::string> Phone::bytes(std::string_view path) {
-    return standin::readFile(device_.below(path));
+    return standin::readFile(device().below(path));
 }
 
 std::optional<Dictionary> Phone::dictionary(std::string_view path) {
-    return standin::readDictionary(device_.below(path));
+    return standin::readDictionary(device().below(path));
 }
 
 std::uint64_t Phone::stateWord() {
-    return device_.notifications.findOrAdd(ringerStateName)->state.load();
+    return device().notifications.findOrAdd(ringerStateName)->state.load();
 }
 
 void Phone::setStateWord(std::uint64_t word) {
-    device_.notifications.findOrAdd(ringerStateName)->state = word;
+    device().notifications.findOrAdd(ringerStateName)->state = word;
 }
 
 std::uint32_t Phone::posts(std::string_view name) {
-    return device_.notifications.findOrAdd(name)->posts.load();
+    return device().notifications.findOrAdd(name)->posts.load();
 }
 
 void Phone::post(std::string_view name) {
-    device_.notifications.post(*device_.notifications.findOrAdd(name));
+    device().notifications.post(*device().notifications.findOrAdd(name));
 }
 
 }  // namespace quillet::test

@@ -7,12 +7,10 @@
 #include <string>
 #include <string_view>
 
-#include "platform/standin/device/device.h"
 #include "platform/standin/plist/value.h"
 #include "platform/standin/runtime/data_source.h"
 #include "prefs/prefs_loader.h"
-#include "tests/support/calls.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/machine.h"
 
 namespace quillet::test {
 
@@ -21,35 +19,25 @@ inline constexpr char ringerStateName[] = "com.apple.springboard.ringerstate";
 inline constexpr char springBoardPreferencesPath[] =
     "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 
-struct PhoneOptions {
-    std::string machine = "iPhone6,1";
-    standin::HostVariant host = {};
-    standin::Clock::Kind clock = standin::Clock::Kind::virtualTime;
-};
-
-/// A new device in a folder of its own, with the bundle under test loaded into its SpringBoard
-/// and nothing in the bundle's preferences file, which is absent.
-class Phone {
+/// A machine with the bundle under test loaded into its SpringBoard, and nothing in the bundle's
+/// preferences file, which is absent. Its log begins with what the bundle called as it was loaded.
+class Phone : public Machine {
 public:
-    explicit Phone(const PhoneOptions& options = {});
+    /// Whatever they say of opening modules, the bundle under test opens as it must.
+    explicit Phone(MachineOptions options = {});
 
     /// The switch as the framework sees it.
     FSSwitchState state(const char* identifier = switchIdentifier);
     void apply(std::int32_t state, const char* identifier = switchIdentifier);
     standin::FSSwitchDataSource& dataSource();
-    standin::Device& device() { return device_; }
 
     /// Has `work` done with every token of the bundle as soon as it is taken.
     void whenTokenIsTaken(std::function<void(int token)> work);
 
-    /// What the bundle called since loading, or since the log was last cleared.
-    CallLog& log() { return log_; }
-    const Calls& calls() const { return log_.calls(); }
-
     /// The address of a function or a variable that the bundle exports.
     template <class Type>
     Type* exported(const char* name) {
-        return reinterpret_cast<Type*>(device_.framework.symbol(name));
+        return reinterpret_cast<Type*>(device().framework.symbol(name));
     }
     PrefsLoader& preferences() { return **exported<PrefsLoader*>("_prefsLoader"); }
 
@@ -69,13 +57,10 @@ public:
     void post(std::string_view name);
 
     /// The volume of the category "Ringtone".
-    float volume() { return device_.hardware.volume("Ringtone").value_or(-1.0F); }
+    float volume() { return device().hardware.volume("Ringtone").value_or(-1.0F); }
 
 private:
-    TemporaryFolder folder_;
-    CallLog log_;
     std::function<void(int)> tokenWork_;
-    standin::Device device_;
 };
 
 }  // namespace quillet::test

@@ -21,7 +21,7 @@
 #include "tests/platforms/macho/loader/imports.h"
 #include "tests/platforms/macho/loader/module.h"
 #include "tests/platforms/macho/loader/runtime.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/machine.h"
 
 namespace quillet::macho {
 namespace {
@@ -53,7 +53,7 @@ public:
         standin::writeFileAtomically(bundle() / "Quillet", module);
     }
 
-    void load() { device_.framework.load(bundle()); }
+    void load() { device().framework.load(bundle()); }
     /// Why the bundle cannot be loaded; empty when it can.
     std::string refusal() {
         try {
@@ -65,19 +65,14 @@ public:
     }
     void turnOff() {
         const char* const identifier = "com.velk.switch.ringer";
-        device_.framework.dataSource(identifier)->applyState(FSSwitchStateOff, identifier);
+        device().framework.dataSource(identifier)->applyState(FSSwitchStateOff, identifier);
     }
-    Device& device() { return device_; }
+    Device& device() { return machine_.device(); }
 
 private:
-    std::filesystem::path bundle() const { return folder_.path() / "Quillet.bundle"; }
+    std::filesystem::path bundle() const { return machine_.folder() / "Quillet.bundle"; }
 
-    test::TemporaryFolder folder_;
-    Device device_{{.root = folder_.path() / "root",
-                    .machine = "iPod5,1",
-                    .host = {},
-                    .clock = standin::Clock::Kind::virtualTime,
-                    .openModule = openMachO}};
+    test::Machine machine_{{.machine = "iPod5,1", .openModule = openMachO}};
 };
 
 std::string refusalOf(std::string_view from, std::string_view to) {

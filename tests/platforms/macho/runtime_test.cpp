@@ -12,7 +12,7 @@
 #include "platform/standin/device/device.h"
 #include "platform/standin/runtime/instances.h"
 #include "tests/platforms/macho/loader/imports.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/machine.h"
 
 namespace quillet::macho {
 namespace {
@@ -83,8 +83,7 @@ protected:
     using GetClass = Id(Id);
     using RespondsToSelector = int(Id, Selector);
 
-    test::TemporaryFolder folder_;
-    standin::Device device_{{.root = folder_.path(), .host = {}}};
+    test::Machine machine_;
     SBRingerHUDController cls_ = SBRingerHUDController::classInHost();
     GetClass* const getClass_ = runtimeFunction<GetClass>("_object_getClass");
     RespondsToSelector* const responds_ =

@@ -13,8 +13,7 @@
 #include "prefs/prefs_loader.h"
 #include "tests/platforms/macho/device_bundle.h"
 #include "tests/platforms/macho/loader/module.h"
-#include "tests/support/calls.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/support/machine.h"
 
 namespace quillet::test {
 namespace {
@@ -49,12 +48,8 @@ using Scenario = void (*)(Device&);
 
 /// All that the build calls in the scenario, with times, receivers, arguments and results.
 Lines trace(const Build& build, const Case& with, Scenario scenario) {
-    const TemporaryFolder folder;
-    Device device{{.root = folder.path() / "root",
-                   .machine = with.machine,
-                   .host = with.host,
-                   .clock = standin::Clock::Kind::virtualTime,
-                   .openModule = build.open}};
+    Machine machine{{.machine = with.machine, .host = with.host, .openModule = build.open}};
+    Device& device = machine.device();
     standin::writeFileAtomically(device.below(preferencesPath),
                                  standin::writePropertyList(with.preferences));
     standin::writeFileAtomically(device.below(springBoardPreferencesPath),

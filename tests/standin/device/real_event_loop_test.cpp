@@ -9,8 +9,8 @@
 #include "platform/notify.h"
 #include "platform/standin/device/device.h"
 #include "tests/support/child.h"
+#include "tests/support/machine.h"
 #include "tests/support/real_time.h"
-#include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
 namespace {
@@ -21,16 +21,15 @@ using standin::Device;
 class RealLoop : public testing::Test {
 protected:
     RealLoop() {
-        device_.observers.add("a.name", [this] { calledAt_ = realNow(); });
+        device().observers.add("a.name", [this] { calledAt_ = realNow(); });
     }
 
-    Device& device() { return device_; }
-    std::filesystem::path root() const { return folder_.path() / "root"; }
+    Device& device() { return machine_.device(); }
+    std::filesystem::path root() const { return machine_.folder() / "root"; }
     double calledAt() const { return calledAt_; }
 
 private:
-    TemporaryFolder folder_;
-    Device device_{{.root = folder_.path() / "root"}};
+    Machine machine_{{.clock = standin::Clock::Kind::real}};
     double calledAt_ = 0;
 };
 

@@ -9,8 +9,8 @@
 
 #include "platform/standin/flipswitch.h"
 #include "platform/standin/runtime/data_source.h"
-#include "tests/standin/on_a_device.h"
 #include "tests/standin/runtime/bundle_folder.h"
+#include "tests/support/machine.h"
 
 namespace quillet::test {
 namespace {
@@ -63,9 +63,9 @@ std::unique_ptr<standin::Module> openTestModule(const fs::path& /*path*/) {
 
 class Defaults : public testing::Test {
 protected:
-    fs::path bundle() const { return folder_.path() / "Test.bundle"; }
+    fs::path bundle() const { return machine_.folder() / "Test.bundle"; }
 
-    standin::SwitchFramework& framework() { return device_.framework; }
+    standin::SwitchFramework& framework() { return machine_.device().framework; }
 
     void load(FSSwitchDataSource& source, const Dictionary& more = {}) {
         Dictionary info{{"CFBundleIdentifier", std::string{identifier}},
@@ -74,10 +74,10 @@ protected:
         for (const auto& [key, value] : more.entries()) info.set(key, value);
         writeInfo(bundle(), info);
         loadedSwitch = &source;
-        device_.framework.load(bundle());
+        machine_.device().framework.load(bundle());
     }
 
-    FSSwitchDataSource& source() { return *device_.framework.dataSource(identifier); }
+    FSSwitchDataSource& source() { return *framework().dataSource(identifier); }
 
     /// What text an object holds; "nil" for none.
     static std::string textOf(const NSString& string) {
@@ -89,10 +89,7 @@ protected:
     }
 
 private:
-    TemporaryFolder folder_;
-    standin::Device device_{{.root = folder_.path() / "root",
-                             .clock = standin::Clock::Kind::virtualTime,
-                             .openModule = openTestModule}};
+    Machine machine_{{.openModule = openTestModule}};
 };
 
 TEST_F(Defaults, ThePrincipalClassIsSentLoadAndThenToldOfItsRegistration) {

@@ -158,7 +158,7 @@ TEST_F(FrameworkLoader, ABundleNeedsAPrincipalClass) {
 
 TEST_F(FrameworkLoader, ASwitchIsLoadedOnce) {
     framework().load(bundleUnderTest());
-    forgetCalls();
+    log().clear();
     expectRefused(bundleUnderTest(), "is loaded already");
     copyBundle("CFBundleDisplayName", std::string{"Copy"});
     expectRefused(bundle(), "is loaded already");
@@ -189,7 +189,7 @@ TEST_F(FrameworkLoader, ThePanelAsksTheSwitchOnceAndDrawsItsAnswer) {
     framework().setRedraw([&](std::string_view identifier, FSSwitchState state) {
         drawn.emplace_back(identifier, state);
     });
-    forgetCalls();
+    log().clear();
     FSSwitchPanel::sharedPanel().stateDidChangeForSwitchIdentifier(switchIdentifier);
     EXPECT_THAT(drawn, ElementsAre(std::pair{std::string{switchIdentifier}, FSSwitchStateOn}));
     EXPECT_EQ(only(calls(), {"notify_get_state"}).size(), 1U);
@@ -199,7 +199,7 @@ TEST_F(FrameworkLoader, ThePanelIgnoresAnUnknownIdentifier) {
     framework().load(bundleUnderTest());
     bool drawn = false;
     framework().setRedraw([&](std::string_view, FSSwitchState) { drawn = true; });
-    forgetCalls();
+    log().clear();
     const auto panel = FSSwitchPanel::sharedPanel();
     panel.stateDidChangeForSwitchIdentifier("no.such.switch");
     panel.stateDidChangeForSwitchIdentifier("");
@@ -210,7 +210,7 @@ TEST_F(FrameworkLoader, ThePanelIgnoresAnUnknownIdentifier) {
 
 TEST_F(FrameworkLoader, ThePanelAsksEvenWhenNobodyDraws) {
     framework().load(bundleUnderTest());
-    forgetCalls();
+    log().clear();
     FSSwitchPanel::sharedPanel().stateDidChangeForSwitchIdentifier(switchIdentifier);
     EXPECT_EQ(only(calls(), {"notify_get_state"}).size(), 1U);
 }
