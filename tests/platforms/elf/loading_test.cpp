@@ -39,7 +39,7 @@ TEST(ElfLoading, StoresThePreferencesBeforeItObserves) {
     EXPECT_EQ(stored, expected);
 }
 
-TEST(PreferencesClass, IsOfTheModuleAndStandsInFrontOfItsObjectsFlags) {
+TEST(ElfPreferencesClass, IsOfTheModuleAndStandsInFrontOfItsObjectsFlags) {
     Phone phone;
     void* word = nullptr;
     std::memcpy(&word, &phone.preferences(), sizeof word);

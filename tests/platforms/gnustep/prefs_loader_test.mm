@@ -36,7 +36,7 @@ std::vector<bool> flagsOf(id preferences) {
             [preferences vibrateWhenOn]};
 }
 
-TEST(PreferencesClass, IsOfTheModuleAndBasedOnTheRootClass) {
+TEST(FoundationPreferencesClass, IsOfTheModuleAndBasedOnTheRootClass) {
     Phone phone;
     asHost([&] {
         const ::Class cls = [object(phone.preferences()) class];
@@ -47,7 +47,7 @@ TEST(PreferencesClass, IsOfTheModuleAndBasedOnTheRootClass) {
     });
 }
 
-TEST(PreferencesClass, HasThreeFlagsInOrderBehindTheRuntimesWord) {
+TEST(FoundationPreferencesClass, HasThreeFlagsInOrderBehindTheRuntimesWord) {
     Phone phone;
     unsigned count = 0;
     Ivar* const fields = class_copyIvarList([object(phone.preferences()) class], &count);
@@ -62,7 +62,7 @@ TEST(PreferencesClass, HasThreeFlagsInOrderBehindTheRuntimesWord) {
                                    std::tuple{"vibrateWhenOn", "B", 10}));
 }
 
-TEST(PreferencesClass, AnswersMessagesWithWhatTheBundleSees) {
+TEST(FoundationPreferencesClass, AnswersMessagesWithWhatTheBundleSees) {
     Phone phone;
     PrefsLoader& preferences = phone.preferences();
     const id receiver = object(preferences);
@@ -78,7 +78,7 @@ TEST(PreferencesClass, AnswersMessagesWithWhatTheBundleSees) {
     EXPECT_THAT(flagsOf(receiver), ElementsAre(false, true, false));
 }
 
-TEST(PreferencesClass, LoadsWhenItIsSentTheMessage) {
+TEST(FoundationPreferencesClass, LoadsWhenItIsSentTheMessage) {
     Phone phone;
     const id receiver = object(phone.preferences());
     phone.write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false},
@@ -92,7 +92,7 @@ TEST(PreferencesClass, LoadsWhenItIsSentTheMessage) {
     EXPECT_THAT(flagsOf(receiver), ElementsAre(true, true, true)) << "the setter's value is kept";
 }
 
-TEST(PreferencesClass, MayBeMadeByAHostAndGoesWithItsLastRelease) {
+TEST(FoundationPreferencesClass, MayBeMadeByAHostAndGoesWithItsLastRelease) {
     Phone phone;
     asHost([&] {
         const ::Class cls = [object(phone.preferences()) class];
@@ -108,7 +108,7 @@ TEST(PreferencesClass, MayBeMadeByAHostAndGoesWithItsLastRelease) {
     });
 }
 
-TEST(Identifier, IsSentNothing) {
+TEST(FoundationIdentifier, IsSentNothing) {
     Phone phone;
     phone.write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", true}});
     // No object: any message to it ends the process.

@@ -32,7 +32,7 @@ std::vector<bool> flagsOf(Id object) {
             ask(object, "vibrateWhenOn")};
 }
 
-class PreferencesClass : public ::testing::Test {
+class DevicePreferencesClass : public ::testing::Test {
 protected:
     Phone phone_;
     PrefsLoader& preferences_ = phone_.preferences();
@@ -41,14 +41,14 @@ protected:
     const Id address_ = const_cast<Id>(class_.cls.address);
 };
 
-TEST_F(PreferencesClass, IsBasedOnTheRootClassAndKeptToTheModule) {
+TEST_F(DevicePreferencesClass, IsBasedOnTheRootClassAndKeptToTheModule) {
     EXPECT_EQ(class_.cls.name, "PrefsLoader");
     EXPECT_EQ(class_.cls.superclass, macho::platformClass("NSObject"));
     EXPECT_EQ(phone_.exported<void>("OBJC_CLASS_$_PrefsLoader"), nullptr);
     EXPECT_EQ(phone_.exported<void>("OBJC_METACLASS_$_PrefsLoader"), nullptr);
 }
 
-TEST_F(PreferencesClass, HasThreeFlagsInOrderBehindTheRuntimesWord) {
+TEST_F(DevicePreferencesClass, HasThreeFlagsInOrderBehindTheRuntimesWord) {
     constexpr std::uint32_t word = sizeof(void*);
     EXPECT_EQ(class_.cls.instanceStart, word);
     EXPECT_EQ(class_.cls.instanceSize, word + 3);
@@ -61,7 +61,7 @@ TEST_F(PreferencesClass, HasThreeFlagsInOrderBehindTheRuntimesWord) {
                                     std::tuple{"vibrateWhenOn", flag, word + 2, 1U}));
 }
 
-TEST_F(PreferencesClass, HasAnAtomicWritablePropertyForEachFlag) {
+TEST_F(DevicePreferencesClass, HasAnAtomicWritablePropertyForEachFlag) {
     std::vector<std::pair<std::string, std::string>> properties;
     for (const macho::Property& property : class_.cls.properties) {
         properties.emplace_back(property.name, property.attributes);
@@ -74,7 +74,7 @@ TEST_F(PreferencesClass, HasAnAtomicWritablePropertyForEachFlag) {
                     std::pair{"vibrateWhenOn", "T" + flag + ",VvibrateWhenOn"}));
 }
 
-TEST_F(PreferencesClass, AnswersItsMessagesAndNoOthers) {
+TEST_F(DevicePreferencesClass, AnswersItsMessagesAndNoOthers) {
     std::vector<std::string> methods;
     for (const macho::Method& method : class_.cls.instanceMethods) {
         methods.push_back(method.selector + " " + method.types);
@@ -90,7 +90,7 @@ TEST_F(PreferencesClass, AnswersItsMessagesAndNoOthers) {
     EXPECT_TRUE(class_.cls.classMethods.empty());
 }
 
-TEST_F(PreferencesClass, AnswersMessagesWithWhatTheBundleSees) {
+TEST_F(DevicePreferencesClass, AnswersMessagesWithWhatTheBundleSees) {
     tell(object_, "setDefaultVibrationPattern:", YES);
     tell(object_, "setVibrateWhenOff:", NO);
     tell(object_, "setVibrateWhenOn:", YES);
@@ -103,7 +103,7 @@ TEST_F(PreferencesClass, AnswersMessagesWithWhatTheBundleSees) {
     EXPECT_THAT(flagsOf(object_), ElementsAre(false, true, false));
 }
 
-TEST_F(PreferencesClass, LoadsWhenItIsSentTheMessage) {
+TEST_F(DevicePreferencesClass, LoadsWhenItIsSentTheMessage) {
     phone_.write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false},
                                                       {"vibrate-when-off", false},
                                                       {"vibrate-when-on", true}});
@@ -116,7 +116,7 @@ TEST_F(PreferencesClass, LoadsWhenItIsSentTheMessage) {
     EXPECT_THAT(flagsOf(object_), ElementsAre(true, true, true)) << "the setter's value is kept";
 }
 
-TEST_F(PreferencesClass, MayBeMadeByAHostAndGoesWithItsLastRelease) {
+TEST_F(DevicePreferencesClass, MayBeMadeByAHostAndGoesWithItsLastRelease) {
     const std::size_t live = class_.live();
     phone_.log().clear();
     const Id allocated = sendMessage<Id>(address_, "alloc");
@@ -133,7 +133,7 @@ TEST_F(PreferencesClass, MayBeMadeByAHostAndGoesWithItsLastRelease) {
     EXPECT_EQ(class_.live(), live);
 }
 
-TEST(Identifier, IsSentNothing) {
+TEST(DeviceIdentifier, IsSentNothing) {
     Phone phone;
     phone.write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", true}});
     const Id cls = phone.exported<void>("OBJC_CLASS_$_RingerSwitch");
