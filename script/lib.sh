@@ -20,6 +20,16 @@ fail() {
     exit 1
 }
 
+# Answers --help with what stands at the head of the script that calls this, in the project's folder,
+# and refuses more arguments than it takes.
+takes() {  # how many at most, argument…
+    if [[ ${2-} == --help ]]; then
+        sed -n '4,/^[^#]/s/^# \?//p' "script/$(basename "$0")"
+        exit
+    fi
+    (($# - 1 <= $1)) || fail "cannot take ${*:$1+2}; see --help"
+}
+
 # The version of the project, in whose folder this is called.
 version() { sed -n 's/^project(Quillet VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt; }
 
@@ -110,16 +120,24 @@ require() {  # package…
         --no-install-recommends "${missing[@]}" || fail "the packages cannot be installed"
 }
 
-# Reads what a build prints: says that it builds when it does, and passes on all but progress.
+# Reads what a build prints: says that it builds when it does, how far it is where that is a terminal,
+# and passes on all but progress.
 tellBuild() {  # folder
     local line told=
     while IFS= read -r line; do
-        if [[ -z $told && $line =~ ^\[[0-9/]+\]\ (Building|Linking) ]]; then
+        if [[ $line =~ ^\[([0-9]+)/([0-9]+)\]\ (Building|Linking) ]]; then
+            if [[ -t 2 ]]; then
+                printf '\rBuilding %s: %d of %d\e[K' "$1" "${BASH_REMATCH[@]:1:2}" >&2
+            elif [[ -z $told ]]; then
+                say "Building $1"
+            fi
             told=yes
-            say "Building $1"
+        elif [[ ! $line =~ ^(\[[0-9/]+\]|--|ninja: no work)\  ]]; then
+            [[ -z $told || ! -t 2 ]] || say
+            say "$line"
         fi
-        [[ $line =~ ^(\[[0-9/]+\]|--|ninja: no work)\  ]] || say "$line"
     done
+    [[ -z $told || ! -t 2 ]] || say
 }
 
 # Configures and builds one of the presets, in build/<preset>.
