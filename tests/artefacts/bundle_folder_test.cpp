@@ -95,7 +95,7 @@ TEST(LinuxModule, NeedsNoRuntimeLibraryOfTheLanguage) {
 
 TEST(LinuxModule, FindsItsPlatformBesideTheBundle) {
     const std::string table = printed("readelf -dW");
-    EXPECT_THAT(table, HasSubstr("[libplatform.so]"));
+    EXPECT_THAT(table, HasSubstr("[libquillet-platform.so]"));
     EXPECT_THAT(table, HasSubstr("$ORIGIN/.."));
 }
 

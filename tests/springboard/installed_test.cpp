@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/springboard/springboard.h"
+
+namespace quillet::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The host program as `cmake --install` puts it below a prefix.
+class Installed : public SpringBoard {
+protected:
+    Installed() {
+        EXPECT_EQ(runProgram(QUILLET_CMAKE, {"--install", QUILLET_BUILD, "--prefix", prefix()}), 0)
+            << printed();
+    }
+
+    fs::path prefix() const { return folder() / "prefix"; }
+    /// What the last program wrote.
+    std::string printed() const { return readText(folder() / "printed"); }
+    int runProgram(const fs::path& program, const Words& words) const {
+        return waitFor(
+            start(program,
+                  {.words = words, .output = folder() / "printed", .errors = folder() / "errors"}));
+    }
+};
+
+TEST_F(Installed, ItIsACommandThatFindsTheBundle) {
+    EXPECT_EQ(runProgram(prefix() / "bin" / "springboard", {"--root", root(), "flip", "off"}), 0);
+    EXPECT_EQ(printed(), "off\n");
+}
+
+TEST_F(Installed, ItMayBeMovedAsAWhole) {
+    const fs::path elsewhere = folder() / "elsewhere";
+    fs::rename(prefix(), elsewhere);
+    EXPECT_EQ(runProgram(elsewhere / "bin" / "springboard", {"--root", root(), "state"}), 0);
+    EXPECT_EQ(printed(), "on\n");
+}
+
+TEST_F(Installed, TheManualIsWhereManualsAre) {
+    EXPECT_EQ(readText(prefix() / "share" / "man" / "man1" / "springboard.1"),
+              readText(QUILLET_MANUAL));
+}
+
+}  // namespace
+}  // namespace quillet::test
