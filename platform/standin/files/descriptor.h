@@ -33,8 +33,6 @@ public:
     bool isOpen() const { return number_ != -1; }
     /// Hands the file over to the caller, who closes it.
     int release() { return std::exchange(number_, -1); }
-    /// False when the system reports a failure, which may be one of an earlier write.
-    bool close() { return ::close(std::exchange(number_, -1)) == 0; }
 
 private:
     int number_;
