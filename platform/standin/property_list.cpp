@@ -5,7 +5,6 @@
 
 #include "platform/standin/device/device.h"
 #include "platform/standin/files/file.h"
-#include "platform/standin/plist/property_list.h"
 #include "platform/standin/runtime/dictionary_file.h"
 
 namespace quillet {
@@ -103,9 +102,8 @@ void NSMutableDictionary::setObject(Object value, NSString forKey) const {
 BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
     return send<ValueInstance>(*this, [&](const ValueInstance& instance) -> BOOL {
         Device& device = Device::current();
-        const auto content = standin::rewritePropertyList(instance.value);
         const bool written =
-            content && standin::writeFileAtomically(device.below(standin::text(path)), *content);
+            standin::writeDictionary(device.below(standin::text(path)), instance.value);
         device.trace.message(instance.className(), "writeToFile:atomically:", path,
                              atomically != NO, Answer{written});
         return written;

@@ -18,4 +18,19 @@ private:
     std::size_t before_;
 };
 
+/// While it lives, what this thread takes from operator new after the first `granted` pieces is
+/// refused: the next piece alone, or all of them.
+class RefusedMemory {
+public:
+    enum class Which { next, all };
+
+    RefusedMemory(int granted, Which which);
+    ~RefusedMemory();
+    RefusedMemory(const RefusedMemory&) = delete;
+    RefusedMemory& operator=(const RefusedMemory&) = delete;
+
+    /// Whether there was a piece to refuse.
+    bool hasRefused() const;
+};
+
 }  // namespace quillet::test

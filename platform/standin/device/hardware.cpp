@@ -8,9 +8,7 @@
 #include <utility>
 
 #include "platform/standin/files/descriptor.h"
-#include "platform/standin/files/file.h"
 #include "platform/standin/files/file_lock.h"
-#include "platform/standin/plist/property_list.h"
 #include "platform/standin/plist/readings.h"
 #include "platform/standin/runtime/dictionary_file.h"
 
@@ -51,11 +49,6 @@ Dictionary Hardware::newState() {
 
 std::optional<Dictionary> Hardware::read() const { return readDictionary(path_); }
 
-bool Hardware::write(Dictionary state) const {
-    const auto text = rewritePropertyList(std::move(state));
-    return text && writeFileAtomically(path_, *text);
-}
-
 std::optional<float> Hardware::volume(std::string_view category) const {
     const Dictionary volumes = volumesOf(read().value_or(Dictionary{}));
     const auto found = volumes.find(category);
@@ -70,7 +63,7 @@ bool Hardware::setVolume(std::string_view category, float volume) {
     if (!volumes.find(category)) return false;
     volumes.set(category, double{inRange(volume)});
     state.set(volumesKey, std::move(volumes));
-    return write(std::move(state));
+    return writeDictionary(path_, state);
 }
 
 bool Hardware::isRingerMuted() const {
@@ -84,7 +77,7 @@ void Hardware::setRingerMuted(bool muted) {
     auto state = read();
     if (!state) return;
     state->set(mutedKey, muted);
-    write(std::move(*state));
+    writeDictionary(path_, *state);
 }
 
 }  // namespace quillet::standin

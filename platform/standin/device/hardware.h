@@ -31,7 +31,6 @@ public:
 private:
     /// Nothing when the file cannot be read.
     std::optional<Dictionary> read() const;
-    bool write(Dictionary state) const;
 
     std::filesystem::path path_;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/files/draft.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <stdio.h>
 #include <sys/file.h>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -41,7 +43,7 @@ bool isDraftName(std::string_view name) {
 }
 
 void removeDraft(const fs::path& path) noexcept {
-    if (unlink(path.c_str()) == 0) return;
+    if (unlink(path.c_str()) == 0 || errno != EISDIR) return;
     try {
         std::error_code ignored;
         fs::remove_all(path, ignored);
@@ -96,6 +98,10 @@ int makeIn(const fs::path& folder, Draft::Kind kind, mode_t mode, fs::path& path
     return draft;
 }
 
+struct CloseFolder {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+
 /// Opens, without waiting for whoever may be at the other end, and removes what nobody has locked.
 void removeIfAbandoned(const fs::path& path) {
     const Descriptor draft{openFile(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW)};
@@ -116,20 +122,21 @@ Draft::~Draft() {
 }
 
 bool Draft::publish(const fs::path& place) {
+    const Descriptor folder{openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY)};
     if (!flush(descriptor()) || rename(path_.c_str(), place.c_str()) != 0) return false;
     isPublished_ = true;
-    // No failure from here: what is at the place is whole, on the disk the one or the other.
-    const Descriptor folder{openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY)};
+    // No failure from here: what is at the place is whole, and on the disk the one or the other.
     if (folder.isOpen()) flush(folder.number());
     return true;
 }
 
 void Draft::removeAbandoned(const fs::path& folder) noexcept {
+    // Not a directory_iterator, which ends the process for want of memory.
+    const std::unique_ptr<DIR, CloseFolder> entries{opendir(folder.c_str())};
+    if (!entries) return;
     try {
-        std::error_code error;
-        fs::directory_iterator entry{folder, error};
-        for (; entry != fs::directory_iterator{}; entry.increment(error)) {
-            if (isDraftName(entry->path().filename().native())) removeIfAbandoned(entry->path());
+        while (const dirent* const entry = readdir(entries.get())) {
+            if (isDraftName(entry->d_name)) removeIfAbandoned(folder / entry->d_name);
         }
     } catch (const std::bad_alloc&) {
         return;  // They stay, for the next one in this folder to remove.

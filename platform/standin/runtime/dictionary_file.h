@@ -13,8 +13,16 @@ namespace quillet::standin {
 /// else for seconds.
 inline constexpr std::size_t maxSettingsSize = std::size_t{64} << 20U;
 
-/// The dictionary in the file at `path`, in either form; nothing when there is none to be read, or
-/// when the file is larger than maxSettingsSize.
+// What fails is attempted once more. A fault of the disk or a want of memory may pass, and settings
+// that cannot be put back in their file when the switch asks for it are lost.
+
+/// The dictionary in the file at `path`, in either form; nothing when there is none to be read,
+/// when the file is larger than maxSettingsSize, or when there is no memory for it.
 std::optional<Dictionary> readDictionary(const std::filesystem::path& path);
+
+/// Writes `dictionary`, which was read from a file or made anew, in the XML form to the file at
+/// `path`; see writeFileAtomically. False when it cannot be written, its text would take too much
+/// memory (see rewritePropertyList), or there is none; `path` then holds what it held.
+bool writeDictionary(const std::filesystem::path& path, const Value& dictionary);
 
 }  // namespace quillet::standin
