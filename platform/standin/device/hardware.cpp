@@ -22,16 +22,23 @@ constexpr char volumesKey[] = "volumes";
 /// Not a number counts as silence.
 float inRange(float volume) { return std::isnan(volume) ? 0.0F : std::clamp(volume, 0.0F, 1.0F); }
 
-/// Keeps other processes from changing the file at `path` while this one does. The folder is what
-/// is locked: the file itself is replaced.
+/// Keeps everybody else from changing the file at `path` while this process does. What is locked is
+/// a file beside it, for the file itself is replaced. Only its owner may open that: a folder could
+/// be held by whoever may read it.
 class Turn {
 public:
     explicit Turn(const std::filesystem::path& path)
-        : folder_{open(path.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)},
-          lock_{folder_.number()} {}
+        : file_{uninterrupted([file = path.string() + ".lock"] {
+              constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC;
+              return open(file.c_str(), flags, 0600);
+          })},
+          lock_{file_.number()} {}
+
+    /// False when the lock could not be had, and nothing is to be changed.
+    bool isTaken() const { return lock_.isHeld(); }
 
 private:
-    Descriptor folder_;
+    Descriptor file_;
     FileLock lock_;
 };
 
@@ -60,7 +67,7 @@ bool Hardware::setVolume(std::string_view category, float volume) {
     const Turn turn{path_};
     Dictionary state = read().value_or(Dictionary{});
     Dictionary volumes = volumesOf(state);
-    if (!volumes.find(category)) return false;
+    if (!turn.isTaken() || !volumes.find(category)) return false;
     volumes.set(category, double{inRange(volume)});
     state.set(volumesKey, std::move(volumes));
     return writeDictionary(path_, state);
@@ -75,7 +82,7 @@ bool Hardware::isRingerMuted() const {
 void Hardware::setRingerMuted(bool muted) {
     const Turn turn{path_};
     auto state = read();
-    if (!state) return;
+    if (!turn.isTaken() || !state) return;
     state->set(mutedKey, muted);
     writeDictionary(path_, *state);
 }

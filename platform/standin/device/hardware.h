@@ -21,11 +21,11 @@ public:
     /// From 0.0 to 1.0; nothing when there is no such category.
     std::optional<float> volume(std::string_view category) const;
     /// Brings `volume` into its range, 0.0 if it is no number. False when there is no such
-    /// category or the file cannot be written.
+    /// category, somebody else keeps the file locked or it cannot be written.
     bool setVolume(std::string_view category, float volume);
 
     bool isRingerMuted() const;
-    /// A file that cannot be read is left as it is.
+    /// A file that cannot be read, or that somebody else keeps locked, is left as it is.
     void setRingerMuted(bool muted);
 
 private:

@@ -1,19 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/device/hardware.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/file.h>
+#include <sys/syscall.h>
 
+#include <cerrno>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <limits>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "platform/celestial.h"
+#include "platform/standin/files/descriptor.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "tests/standin/on_a_device.h"
+#include "tests/support/supervisor.h"
 
 namespace quillet::test {
 namespace {
@@ -119,6 +126,42 @@ TEST_F(HardwareFile, WithoutAFileThereIsNothingAndNoneIsMade) {
     fs::remove(path());
     expectUseless();
     EXPECT_FALSE(fs::exists(path()));
+}
+
+TEST_F(HardwareFile, ThatCannotBeLockedIsLeftAsItIs) {
+    const std::string before = bytes();
+    const auto change = [this] {
+        EXPECT_FALSE(hardware().setVolume("Ringtone", 0.25F));
+        hardware().setRingerMuted(true);
+        return 0;
+    };
+    supervise({SYS_flock}, change, [](const SystemCall&) {
+        return Verdict{Verdict::Kind::fails, ENOLCK};
+    });
+    EXPECT_EQ(bytes(), before);
+}
+
+TEST_F(HardwareFile, IsNotHeldUpByThoseWhoMayReadItsFolder) {
+    const standin::Descriptor folder{::open(path().parent_path().c_str(), O_RDONLY)};
+    ASSERT_EQ(::flock(folder.number(), LOCK_EX), 0);
+    EXPECT_TRUE(hardware().setVolume("Ringtone", 0.25F));
+    const auto lock = fs::status(path().string() + ".lock").permissions();
+    EXPECT_EQ(lock, fs::perms{0600}) << "nobody else may open what is locked";
+}
+
+TEST_F(HardwareFile, IsChangedByOneThreadAtATime) {
+    write(Dictionary{{"volumes", Dictionary{{"Alarm", 1.0}, {"Ringtone", 1.0}}}});
+    constexpr int rounds = 100;
+    const auto lower = [this](const char* category) {
+        for (int round = rounds - 1; round >= 0; --round) {
+            EXPECT_TRUE(hardware().setVolume(category, static_cast<float>(round) / rounds));
+        }
+    };
+    std::thread other{lower, "Alarm"};
+    lower("Ringtone");
+    other.join();
+    EXPECT_EQ(hardware().volume("Alarm"), 0.0F);
+    EXPECT_EQ(hardware().volume("Ringtone"), 0.0F);
 }
 
 TEST_F(HardwareFile, ValuesOfOddKindsCountAsNone) {
