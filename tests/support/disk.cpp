@@ -75,7 +75,7 @@ void Disk::rename(const fs::path& from, const fs::path& to) {
 void Disk::write(const SystemCall& call, std::size_t position) {
     const auto node = find(call.file(0));
     if (!node) return;
-    const std::string added = call.bytes(1, call.arguments[2]);
+    const std::string added = call.bytes(1, call.size(2));
     std::string& bytes = nodes_[*node].bytes;
     if (bytes.size() < position + added.size()) bytes.resize(position + added.size());
     bytes.replace(position, added.size(), added);
@@ -102,26 +102,34 @@ void Disk::follow(const SystemCall& call) {
             if ((call.arguments[2] & O_CREAT) != 0) make(paths[0], false);
             if ((call.arguments[2] & O_TRUNC) != 0) nodes_[find(paths[0]).value()].bytes.clear();
             break;
-        case SYS_mkdir:
         case SYS_mkdirat:
             return make(paths[0], true);
-        case SYS_unlink:
         case SYS_unlinkat:
+            return remove(paths[0]);
+#ifdef SYS_renameat
+        case SYS_renameat:
+#endif
+        case SYS_renameat2:
+            return rename(paths[0], paths[1]);
+#ifdef SYS_mkdir
+        case SYS_mkdir:
+            return make(paths[0], true);
+        case SYS_unlink:
         case SYS_rmdir:
             return remove(paths[0]);
         case SYS_rename:
-        case SYS_renameat2:
             return rename(paths[0], paths[1]);
+#endif
         case SYS_write: {
             const auto node = find(call.file(0));
             return write(call, node ? nodes_[*node].bytes.size() : 0);
         }
         case SYS_pwrite64:
-            return write(call, call.arguments[3]);
+            return write(call, call.size(3));
         case SYS_ftruncate:
-            return resize(call, call.arguments[1]);
+            return resize(call, call.size(1));
         case SYS_fallocate:
-            return resize(call, call.arguments[2] + call.arguments[3]);
+            return resize(call, call.size(2) + call.size(3));
         case SYS_fsync:
             if (const auto node = find(call.file(0))) flush(*node);
             break;

@@ -141,7 +141,8 @@ int supervise(const std::vector<int>& numbers, const std::function<int()>& body,
 std::string SystemCall::bytes(std::size_t argument, std::size_t size) const {
     std::string bytes(size, '\0');
     const iovec here = {bytes.data(), size};
-    const iovec there = {reinterpret_cast<void*>(arguments.at(argument)), size};
+    const iovec there = {
+        reinterpret_cast<void*>(static_cast<std::uintptr_t>(arguments.at(argument))), size};
     const ssize_t read = process_vm_readv(caller, &here, 1, &there, 1, 0);
     if (read != static_cast<ssize_t>(size)) throw std::runtime_error("memory cannot be read");
     return bytes;

@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -19,6 +20,10 @@ struct SystemCall {
     pid_t caller = 0;
     std::array<std::uint64_t, 6> arguments = {};
 
+    /// An argument that is a number of bytes.
+    std::size_t size(std::size_t argument) const {
+        return static_cast<std::size_t>(arguments.at(argument));
+    }
     /// The first `size` bytes that an argument points at.
     std::string bytes(std::size_t argument, std::size_t size) const;
     /// The text that an argument points at, up to its end.
