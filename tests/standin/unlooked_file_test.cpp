@@ -97,6 +97,29 @@ TEST_P(UnlookedFile, WhoseReadingBreaksOffKeepsWhatItHolds) {
     EXPECT_EQ(phone().dictionary(preferencesPath), choices);
 }
 
+TEST_P(UnlookedFile, WhoseReadingBreaksOffOnceIsReadAllTheSame) {
+    const std::string file = phone().device().below(preferencesPath);
+    const auto isFirstRead = [&, reads = 0](const SystemCall& call) mutable {
+        return call.number == SYS_read && call.file(0) == file && reads++ == 0;
+    };
+    underErrors([this] { return turnOff(); }, isFirstRead);
+    Dictionary expected = choices;
+    expected.set("ringtone-volume", 0.75);
+    EXPECT_EQ(phone().dictionary(preferencesPath), expected);
+}
+
+TEST_P(UnlookedFile, WhoseWritingBreaksOffOnceIsWrittenAllTheSame) {
+    int flushes = 0;
+    supervise(
+        {SYS_fsync}, [this] { return turnOff(); },
+        [&](const SystemCall&) {
+            return flushes++ == 0 ? Verdict{Verdict::Kind::fails, GetParam().number} : Verdict{};
+        });
+    Dictionary expected = choices;
+    expected.set("ringtone-volume", 0.75);
+    EXPECT_EQ(phone().dictionary(preferencesPath), expected);
+}
+
 INSTANTIATE_TEST_SUITE_P(By, UnlookedFile,
                          testing::Values(Error{"EIO", EIO}, Error{"EACCES", EACCES},
                                          Error{"ENOMEM", ENOMEM}, Error{"ELOOP", ELOOP}),
