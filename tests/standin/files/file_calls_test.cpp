@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -7,8 +8,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <functional>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/standin/files/file.h"
@@ -26,6 +29,13 @@ using standin::writeFileAtomically;
 
 std::ptrdiff_t entriesOf(const fs::path& folder) {
     return std::distance(fs::directory_iterator{folder}, fs::directory_iterator{});
+}
+
+/// Has every call with the number fail.
+Judge failing(int number, int error) {
+    return [=](const SystemCall& call) {
+        return call.number == number ? Verdict{Verdict::Kind::fails, error} : Verdict{};
+    };
 }
 
 /// A file that is replaced while its replacer's system calls meet their verdicts.
@@ -88,10 +98,9 @@ TEST_F(FileCalls, ThatCloseAreNotAskedHowTheyWent) {
     for (const int error : {EINTR, EIO}) {
         writeOld();
         const auto write = [this] { return writeFileAtomically(path(), newBytes) ? 1 : 0; };
-        const auto judge = [&](const SystemCall&) { return Verdict{Verdict::Kind::fails, error}; };
         // A second process, since what is not closed stays open.
         EXPECT_EQ(supervise(
-                      {SYS_close}, [&] { return Child{write}.wait(); }, judge),
+                      {SYS_close}, [&] { return Child{write}.wait(); }, failing(SYS_close, error)),
                   1);
         EXPECT_EQ(readFile(path()), newBytes);
         EXPECT_EQ(entriesOf(folder()), 1);
@@ -101,9 +110,7 @@ TEST_F(FileCalls, ThatCloseAreNotAskedHowTheyWent) {
 TEST_F(FileCalls, ThatAreNotPermittedToGiveOwnerAndModeDoNotStopIt) {
     for (const int number : {SYS_fchmod, SYS_fchown}) {
         writeOld();
-        EXPECT_TRUE(replaceUnder([&](const SystemCall& call) {
-            return call.number == number ? Verdict{Verdict::Kind::fails, EPERM} : Verdict{};
-        }));
+        EXPECT_TRUE(replaceUnder(failing(number, EPERM)));
         EXPECT_EQ(readFile(path()), newBytes);
     }
 }
@@ -116,9 +123,7 @@ TEST_F(FileCalls, WithoutTheGroupNobodyIsAdmittedWhoWasNotBefore) {
     for (const Row row : {Row{0640, 0600}, Row{0664, 0644}, Row{0606, 0606}, Row{06755, 0755}}) {
         writeOld();
         ASSERT_EQ(::chmod(path().c_str(), row.before), 0);
-        EXPECT_TRUE(replaceUnder([](const SystemCall& call) {
-            return call.number == SYS_fchown ? Verdict{Verdict::Kind::fails, EPERM} : Verdict{};
-        }));
+        EXPECT_TRUE(replaceUnder(failing(SYS_fchown, EPERM)));
         EXPECT_EQ(static_cast<mode_t>(fs::status(path()).permissions()), row.after);
     }
 }
@@ -127,9 +132,7 @@ TEST_F(FileCalls, ThatKnowNoFlushingOrLockingDoNotStopIt) {
     for (const auto& [number, error] : {std::pair{SYS_fsync, EINVAL}, std::pair{SYS_flock, ENOLCK},
                                         std::pair{SYS_flock, EOPNOTSUPP}}) {
         writeOld();
-        EXPECT_TRUE(replaceUnder([&](const SystemCall& call) {
-            return call.number == number ? Verdict{Verdict::Kind::fails, error} : Verdict{};
-        }));
+        EXPECT_TRUE(replaceUnder(failing(number, error)));
         EXPECT_EQ(readFile(path()), newBytes);
         EXPECT_EQ(entriesOf(folder()), 1);
     }
@@ -149,9 +152,7 @@ TEST_F(FileCalls, OfOneKindThatAlwaysFailLeaveOneOfTheTwoContents) {
     for (const int number : callsThatChange()) {
         for (const int error : {EIO, EEXIST, EPERM}) {
             writeOld();
-            const bool isReplaced = replaceUnder([&](const SystemCall& call) {
-                return call.number == number ? Verdict{Verdict::Kind::fails, error} : Verdict{};
-            });
+            const bool isReplaced = replaceUnder(failing(number, error));
             EXPECT_EQ(readFile(path()), isReplaced ? newBytes : oldBytes) << number;
         }
     }
