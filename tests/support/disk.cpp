@@ -72,6 +72,10 @@ void Disk::rename(const fs::path& from, const fs::path& to) {
     if (node) apply({*node, placeOf(from), placeOf(to)});
 }
 
+void Disk::link(const fs::path& from, const fs::path& to) {
+    if (const auto node = find(from)) apply({*node, std::nullopt, placeOf(to)});
+}
+
 void Disk::write(const SystemCall& call, std::size_t position) {
     const auto node = find(call.file(0));
     if (!node) return;
@@ -83,6 +87,11 @@ void Disk::write(const SystemCall& call, std::size_t position) {
 
 void Disk::resize(const SystemCall& call, std::size_t size) {
     if (const auto node = find(call.file(0))) nodes_[*node].bytes.resize(size);
+}
+
+void Disk::allocate(const SystemCall& call, std::size_t size) {
+    const auto node = find(call.file(0));
+    if (node && nodes_[*node].bytes.size() < size) nodes_[*node].bytes.resize(size);
 }
 
 void Disk::flush(Number number) {
@@ -111,6 +120,8 @@ void Disk::follow(const SystemCall& call) {
 #endif
         case SYS_renameat2:
             return rename(paths[0], paths[1]);
+        case SYS_linkat:
+            return link(paths[0], paths[1]);
 #ifdef SYS_mkdir
         case SYS_mkdir:
             return make(paths[0], true);
@@ -119,6 +130,8 @@ void Disk::follow(const SystemCall& call) {
             return remove(paths[0]);
         case SYS_rename:
             return rename(paths[0], paths[1]);
+        case SYS_link:
+            return link(paths[0], paths[1]);
 #endif
         case SYS_write: {
             const auto node = find(call.file(0));
@@ -129,7 +142,7 @@ void Disk::follow(const SystemCall& call) {
         case SYS_ftruncate:
             return resize(call, call.size(1));
         case SYS_fallocate:
-            return resize(call, call.size(2) + call.size(3));
+            return allocate(call, call.size(2) + call.size(3));
         case SYS_fsync:
             if (const auto node = find(call.file(0))) flush(*node);
             break;

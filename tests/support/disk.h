@@ -68,8 +68,10 @@ private:
     void make(const std::filesystem::path& path, bool isFolder);
     void remove(const std::filesystem::path& path);
     void rename(const std::filesystem::path& from, const std::filesystem::path& to);
+    void link(const std::filesystem::path& from, const std::filesystem::path& to);
     void write(const SystemCall& call, std::size_t position);
     void resize(const SystemCall& call, std::size_t size);
+    void allocate(const SystemCall& call, std::size_t size);
     void flush(Number number);
     void collect(State& state, const std::vector<Folder>& folders, Number folder,
                  const std::filesystem::path& path) const;

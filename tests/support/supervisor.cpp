@@ -100,6 +100,7 @@ PathArguments pathArguments(int number) {
         case SYS_unlink:
             return {{0}};
         case SYS_rename:
+        case SYS_link:
             return {{0, 1}};
 #endif
 #ifdef SYS_newfstatat
@@ -114,6 +115,7 @@ PathArguments pathArguments(int number) {
         case SYS_renameat:
 #endif
         case SYS_renameat2:
+        case SYS_linkat:
             return {{1, 3}, true};
         default:
             return {};
@@ -198,13 +200,13 @@ std::vector<int> callsThatChange() {
     return {
         SYS_openat,   SYS_write,     SYS_pwrite64, SYS_ftruncate, SYS_fallocate,
         SYS_fsync,    SYS_fdatasync, SYS_fchmod,   SYS_fchmodat,  SYS_fchown,
-        SYS_flock,    SYS_mkdirat,   SYS_unlinkat, SYS_renameat2,
+        SYS_flock,    SYS_mkdirat,   SYS_unlinkat, SYS_renameat2, SYS_linkat,
 #ifdef SYS_renameat
         SYS_renameat,
 #endif
 #ifdef SYS_open
         SYS_open,     SYS_creat,     SYS_chmod,    SYS_chown,     SYS_mkdir,
-        SYS_rmdir,    SYS_unlink,    SYS_rename,
+        SYS_rmdir,    SYS_unlink,    SYS_rename,   SYS_link,
 #endif
     };
 }
