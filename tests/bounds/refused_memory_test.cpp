@@ -19,7 +19,6 @@ namespace fs = std::filesystem;
 using standin::Array;
 using standin::Dictionary;
 using standin::readDictionary;
-using standin::Value;
 using standin::writeDictionary;
 using Which = RefusedMemory::Which;
 
