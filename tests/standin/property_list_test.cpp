@@ -75,7 +75,7 @@ TEST_F(DictionaryFile, ThatIsTooLargeIsNotReadAtAll) {
         expectNoDictionary();
         return 0;
     };
-    supervise({SYS_read}, read, [&](const SystemCall& call) {
+    supervise({SYS_read}, read, [&](const SupervisedCall& call) {
         reads += call.file(0) == file ? 1 : 0;
         return Verdict{};
     });

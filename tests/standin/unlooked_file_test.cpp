@@ -29,7 +29,7 @@ protected:
     Phone& phone() { return phone_; }
 
     /// Whether the call asks about the file by its path.
-    bool isLook(const SystemCall& call) {
+    bool isLook(const SupervisedCall& call) {
         const std::string file = phone_.device().below(preferencesPath);
         return isStat(call.number) && std::ranges::count(call.paths(), file) == 1;
     }
@@ -38,7 +38,7 @@ protected:
     template <class Meant>
     int underErrors(const std::function<int()>& body, Meant isMeant) {
         int failed = 0;
-        const int answer = supervise(callsThatLook(), body, [&](const SystemCall& call) {
+        const int answer = supervise(callsThatLook(), body, [&](const SupervisedCall& call) {
             if (!isMeant(call)) return Verdict{};
             ++failed;
             return Verdict{Verdict::Kind::fails, GetParam().number};
@@ -62,11 +62,11 @@ TEST_P(UnlookedFile, CountsAsThere) {
     const auto look = [] {
         return NSFileManager::defaultManager().fileExistsAtPath(preferencesPath);
     };
-    EXPECT_EQ(underErrors(look, [this](const SystemCall& call) { return isLook(call); }), YES);
+    EXPECT_EQ(underErrors(look, [this](const SupervisedCall& call) { return isLook(call); }), YES);
 }
 
 TEST_P(UnlookedFile, KeepsWhatItHoldsWhenTheVolumeIsPutIntoIt) {
-    const auto isFirstLook = [this, looks = 0](const SystemCall& call) mutable {
+    const auto isFirstLook = [this, looks = 0](const SupervisedCall& call) mutable {
         return isLook(call) && looks++ == 0;
     };
     underErrors([this] { return turnOff(); }, isFirstLook);
@@ -77,7 +77,7 @@ TEST_P(UnlookedFile, KeepsWhatItHoldsWhenTheVolumeIsPutIntoIt) {
 
 TEST_P(UnlookedFile, ThatCanNeverBeLookedAtKeepsWhatItHolds) {
     underErrors([this] { return turnOff(); },
-                [this](const SystemCall& call) { return isLook(call); });
+                [this](const SupervisedCall& call) { return isLook(call); });
     EXPECT_EQ(phone().dictionary(preferencesPath), choices);
 }
 
@@ -85,21 +85,22 @@ TEST_P(UnlookedFile, ThatCannotBeReadEitherKeepsWhatItHolds) {
     const std::string file = phone().device().below(preferencesPath);
     underErrors(
         [this] { return turnOff(); },
-        [&](const SystemCall& call) { return std::ranges::count(call.paths(), file) != 0; });
+        [&](const SupervisedCall& call) { return std::ranges::count(call.paths(), file) != 0; });
     EXPECT_EQ(phone().dictionary(preferencesPath), choices);
 }
 
 TEST_P(UnlookedFile, WhoseReadingBreaksOffKeepsWhatItHolds) {
     const std::string file = phone().device().below(preferencesPath);
-    underErrors(
-        [this] { return turnOff(); },
-        [&](const SystemCall& call) { return call.number == SYS_read && call.file(0) == file; });
+    underErrors([this] { return turnOff(); },
+                [&](const SupervisedCall& call) {
+                    return call.number == SYS_read && call.file(0) == file;
+                });
     EXPECT_EQ(phone().dictionary(preferencesPath), choices);
 }
 
 TEST_P(UnlookedFile, WhoseReadingBreaksOffOnceIsReadAllTheSame) {
     const std::string file = phone().device().below(preferencesPath);
-    const auto isFirstRead = [&, reads = 0](const SystemCall& call) mutable {
+    const auto isFirstRead = [&, reads = 0](const SupervisedCall& call) mutable {
         return call.number == SYS_read && call.file(0) == file && reads++ == 0;
     };
     underErrors([this] { return turnOff(); }, isFirstRead);
@@ -112,7 +113,7 @@ TEST_P(UnlookedFile, WhoseWritingBreaksOffOnceIsWrittenAllTheSame) {
     int flushes = 0;
     supervise(
         {SYS_fsync}, [this] { return turnOff(); },
-        [&](const SystemCall&) {
+        [&](const SupervisedCall&) {
             return flushes++ == 0 ? Verdict{Verdict::Kind::fails, GetParam().number} : Verdict{};
         });
     Dictionary expected = choices;

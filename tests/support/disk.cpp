@@ -76,7 +76,7 @@ void Disk::link(const fs::path& from, const fs::path& to) {
     if (const auto node = find(from)) apply({*node, std::nullopt, placeOf(to)});
 }
 
-void Disk::write(const SystemCall& call, std::size_t position) {
+void Disk::write(const SupervisedCall& call, std::size_t position) {
     const auto node = find(call.file(0));
     if (!node) return;
     const std::string added = call.bytes(1, call.size(2));
@@ -85,11 +85,11 @@ void Disk::write(const SystemCall& call, std::size_t position) {
     bytes.replace(position, added.size(), added);
 }
 
-void Disk::resize(const SystemCall& call, std::size_t size) {
+void Disk::resize(const SupervisedCall& call, std::size_t size) {
     if (const auto node = find(call.file(0))) nodes_[*node].bytes.resize(size);
 }
 
-void Disk::allocate(const SystemCall& call, std::size_t size) {
+void Disk::allocate(const SupervisedCall& call, std::size_t size) {
     const auto node = find(call.file(0));
     if (node && nodes_[*node].bytes.size() < size) nodes_[*node].bytes.resize(size);
 }
@@ -104,7 +104,7 @@ void Disk::flush(Number number) {
     });
 }
 
-void Disk::follow(const SystemCall& call) {
+void Disk::follow(const SupervisedCall& call) {
     const auto paths = call.paths();
     switch (call.number) {
         case SYS_openat:

@@ -27,7 +27,7 @@ public:
     explicit Disk(const std::filesystem::path& folder);
 
     /// Follows a call that is about to be made and taken to succeed.
-    void follow(const SystemCall& call);
+    void follow(const SupervisedCall& call);
 
     /// Every state that a loss of power at this moment may leave. Fails the test when too much is
     /// not flushed for that.
@@ -69,9 +69,9 @@ private:
     void remove(const std::filesystem::path& path);
     void rename(const std::filesystem::path& from, const std::filesystem::path& to);
     void link(const std::filesystem::path& from, const std::filesystem::path& to);
-    void write(const SystemCall& call, std::size_t position);
-    void resize(const SystemCall& call, std::size_t size);
-    void allocate(const SystemCall& call, std::size_t size);
+    void write(const SupervisedCall& call, std::size_t position);
+    void resize(const SupervisedCall& call, std::size_t size);
+    void allocate(const SupervisedCall& call, std::size_t size);
     void flush(Number number);
     void collect(State& state, const std::vector<Folder>& folders, Number folder,
                  const std::filesystem::path& path) const;

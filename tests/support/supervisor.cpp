@@ -42,8 +42,8 @@ int installFilter(const std::vector<int>& numbers) {
         syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_NEW_LISTENER, &filter));
 }
 
-SystemCall callOf(const seccomp_notif& question) {
-    SystemCall call{question.data.nr, static_cast<pid_t>(question.pid), {}};
+SupervisedCall callOf(const seccomp_notif& question) {
+    SupervisedCall call{question.data.nr, static_cast<pid_t>(question.pid), {}};
     std::copy_n(question.data.args, call.arguments.size(), call.arguments.begin());
     return call;
 }
@@ -62,7 +62,7 @@ seccomp_notif_resp answerTo(const seccomp_notif& question, const Verdict& verdic
 void answerOne(int listener, const Judge& judge) {
     seccomp_notif question = {};
     if (ioctl(listener, SECCOMP_IOCTL_NOTIF_RECV, &question) != 0) return;
-    const SystemCall call = callOf(question);
+    const SupervisedCall call = callOf(question);
     const Verdict verdict = judge(call);
     if (verdict.kind == Verdict::Kind::kills) {
         // Unanswered, so that it dies with the call not made.
@@ -140,7 +140,7 @@ int supervise(const std::vector<int>& numbers, const std::function<int()>& body,
     return answer;
 }
 
-std::string SystemCall::bytes(std::size_t argument, std::size_t size) const {
+std::string SupervisedCall::bytes(std::size_t argument, std::size_t size) const {
     std::string bytes(size, '\0');
     const iovec here = {bytes.data(), size};
     const iovec there = {
@@ -150,8 +150,8 @@ std::string SystemCall::bytes(std::size_t argument, std::size_t size) const {
     return bytes;
 }
 
-std::string SystemCall::text(std::size_t argument) const {
-    SystemCall rest = *this;
+std::string SupervisedCall::text(std::size_t argument) const {
+    SupervisedCall rest = *this;
     std::string text;
     for (;; ++rest.arguments.at(argument)) {
         const char character = rest.bytes(argument, 1).front();
@@ -160,13 +160,13 @@ std::string SystemCall::text(std::size_t argument) const {
     }
 }
 
-std::string SystemCall::file(std::size_t argument) const {
+std::string SupervisedCall::file(std::size_t argument) const {
     const int descriptor = static_cast<int>(arguments.at(argument));
     return fs::read_symlink("/proc/" + std::to_string(caller) + "/fd/" +
                             std::to_string(descriptor));
 }
 
-std::vector<std::string> SystemCall::paths() const {
+std::vector<std::string> SupervisedCall::paths() const {
     std::vector<std::string> paths;
     const auto [positions, isAfterFolder] = pathArguments(number);
     for (const std::size_t position : positions) {
@@ -177,7 +177,7 @@ std::vector<std::string> SystemCall::paths() const {
     return paths;
 }
 
-Verdict Nth::operator()(const SystemCall& call) {
+Verdict Nth::operator()(const SupervisedCall& call) {
     if (made_++ != place_) return {};
     number_ = call.number;
     return verdict_;

@@ -13,7 +13,7 @@
 namespace quillet::test {
 
 /// A system call that a supervised thread or process is about to make.
-struct SystemCall {
+struct SupervisedCall {
     /// As in <sys/syscall.h>.
     int number = 0;
     /// Who makes it: a thread's id.
@@ -43,7 +43,7 @@ struct Verdict {
     int error = 0;
 };
 
-using Judge = std::function<Verdict(const SystemCall&)>;
+using Judge = std::function<Verdict(const SupervisedCall&)>;
 
 /// Runs `body` in a thread of its own and hands each of its system calls with these numbers, and
 /// those of its children, to `judge` before it is made; see seccomp_unotify(2). The answer is the
@@ -57,7 +57,7 @@ class Nth {
 public:
     Nth(int place, Verdict verdict) : place_{place}, verdict_{verdict} {}
 
-    Verdict operator()(const SystemCall& call);
+    Verdict operator()(const SupervisedCall& call);
     /// Whether there were that many calls.
     bool hasCome() const { return made_ > place_; }
     /// The number of the call that met the verdict.

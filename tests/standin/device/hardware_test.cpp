@@ -135,7 +135,7 @@ TEST_F(HardwareFile, ThatCannotBeLockedIsLeftAsItIs) {
         hardware().setRingerMuted(true);
         return 0;
     };
-    supervise({SYS_flock}, change, [](const SystemCall&) {
+    supervise({SYS_flock}, change, [](const SupervisedCall&) {
         return Verdict{Verdict::Kind::fails, ENOLCK};
     });
     EXPECT_EQ(bytes(), before);

@@ -87,7 +87,7 @@ TEST_F(NewPhoneCalls, EachOfWhichFailsOnceLeaveAWholeDeviceOrNothing) {
 TEST_F(NewPhoneCalls, OfOneWhoDiesWhileSomebodyElseIsFasterLeaveNothingForTheNext) {
     supervise(
         callsThatChange(), [this] { return Child{[this] { return make(); }}.wait(); },
-        [this](const SystemCall& call) {
+        [this](const SupervisedCall& call) {
             const auto paths = call.paths();
             if (paths.size() != 2 || paths[1] != root()) return Verdict{};
             EXPECT_EQ(make(), 0);

@@ -33,7 +33,7 @@ std::ptrdiff_t entriesOf(const fs::path& folder) {
 
 /// Has every call with the number fail.
 Judge failing(int number, int error) {
-    return [=](const SystemCall& call) {
+    return [=](const SupervisedCall& call) {
         return call.number == number ? Verdict{Verdict::Kind::fails, error} : Verdict{};
     };
 }
@@ -82,7 +82,7 @@ TEST_F(FileCalls, ThatASignalInterruptsAreRepeated) {
     for (const int number : {SYS_openat, SYS_write, SYS_fsync, SYS_fchmod, SYS_fchown, SYS_flock}) {
         writeOld();
         int interrupted = 0;
-        const bool isReplaced = replaceUnder([&](const SystemCall& call) {
+        const bool isReplaced = replaceUnder([&](const SupervisedCall& call) {
             const bool isMeant = call.number == number && interrupted < 3;
             interrupted += isMeant ? 1 : 0;
             return isMeant ? Verdict{Verdict::Kind::fails, EINTR} : Verdict{};
@@ -176,7 +176,7 @@ TEST_F(FileCalls, ThatAreNeverReachedLeaveOneDraftHoweverManyWritersDie) {
         const auto write = [this] { return writeFileAtomically(path(), newBytes) ? 0 : 1; };
         supervise(
             {SYS_fsync}, [&] { return Child{write}.wait(); },
-            [](const SystemCall&) {
+            [](const SupervisedCall&) {
                 return Verdict{Verdict::Kind::kills, 0};
             });
     }
@@ -186,7 +186,7 @@ TEST_F(FileCalls, ThatAreNeverReachedLeaveOneDraftHoweverManyWritersDie) {
 
 TEST_F(FileCalls, ADraftWhoseMakerLivesIsLeftAlone) {
     bool isReplacedMeanwhile = false;
-    EXPECT_TRUE(replaceUnder([&](const SystemCall& call) {
+    EXPECT_TRUE(replaceUnder([&](const SupervisedCall& call) {
         const bool isLast = call.number == SYS_fsync && !isReplacedMeanwhile;
         if (isLast) isReplacedMeanwhile = writeFileAtomically(path(), "in between");
         return Verdict{};
@@ -197,7 +197,7 @@ TEST_F(FileCalls, ADraftWhoseMakerLivesIsLeftAlone) {
 
 TEST_F(FileCalls, ADraftThatIsTakenForAbandonedBeforeItIsLockedIsMadeAgain) {
     int taken = 0;
-    EXPECT_TRUE(replaceUnder([&](const SystemCall& call) {
+    EXPECT_TRUE(replaceUnder([&](const SupervisedCall& call) {
         // Its maker has not locked it yet: to all others it looks like that of a dead one.
         if (call.number == SYS_flock && taken++ < 3) writeFileAtomically(folder() / "other", "");
         return Verdict{};
@@ -209,7 +209,7 @@ TEST_F(FileCalls, ADraftThatIsTakenForAbandonedBeforeItIsLockedIsMadeAgain) {
 
 TEST_F(FileCalls, ThatLookAndFailDoNotMakeAFileAbsent) {
     for (const int error : {EIO, EACCES, ENOMEM, ELOOP, ENAMETOOLONG, EOVERFLOW}) {
-        const auto fail = [&](const SystemCall& call) {
+        const auto fail = [&](const SupervisedCall& call) {
             return isStat(call.number) ? Verdict{Verdict::Kind::fails, error} : Verdict{};
         };
         const auto look = [this] { return mayExist(path()) ? 1 : 0; };
@@ -226,7 +226,7 @@ TEST_F(FileCalls, ThatFindNothingMakeAFileAbsent) {
         EXPECT_EQ(
             supervise(
                 callsThatLook(), look,
-                [&](const SystemCall& call) {
+                [&](const SupervisedCall& call) {
                     return isStat(call.number) ? Verdict{Verdict::Kind::fails, error} : Verdict{};
                 }),
             0);

@@ -39,12 +39,12 @@ protected:
 
     /// Has `disk` follow what `body` does, and `look` done after each call.
     static void follow(Disk& disk, const std::function<void()>& body,
-                       const std::function<void(const SystemCall&)>& look) {
+                       const std::function<void(const SupervisedCall&)>& look) {
         const auto run = [&] {
             body();
             return 0;
         };
-        supervise(callsThatChange(), run, [&](const SystemCall& call) {
+        supervise(callsThatChange(), run, [&](const SupervisedCall& call) {
             disk.follow(call);
             look(call);
             return Verdict{};
@@ -58,7 +58,7 @@ protected:
         int calls = 0;
         follow(
             disk, [&] { EXPECT_TRUE(writeFileAtomically(written, newBytes)); },
-            [&](const SystemCall&) {
+            [&](const SupervisedCall&) {
                 ++calls;
                 EXPECT_THAT(disk.contentsOf(path()), Each(AnyOf(before, newBytes)));
             });
@@ -105,7 +105,7 @@ TEST_F(PowerLoss, AfterAFileWasReplacedByOneThatWasNotFlushedMayLeaveNeither) {
             writeText(draft, newBytes);
             ASSERT_EQ(std::rename(draft.c_str(), path().c_str()), 0);
         },
-        [](const SystemCall&) {});
+        [](const SupervisedCall&) {});
     EXPECT_THAT(disk.contentsOf(path()), UnorderedElementsAre(oldBytes, Disk::torn));
 }
 
@@ -113,7 +113,7 @@ TEST_F(PowerLoss, AfterAFileWasWrittenInPlaceMayLeaveNeither) {
     writeText(path(), oldBytes);
     Disk disk{folder()};
     follow(
-        disk, [&] { writeText(path(), newBytes); }, [](const SystemCall&) {});
+        disk, [&] { writeText(path(), newBytes); }, [](const SupervisedCall&) {});
     EXPECT_THAT(disk.contentsOf(path()), ElementsAre(Disk::torn));
 }
 
@@ -122,7 +122,7 @@ TEST_F(PowerLoss, AfterARenamingInAFolderThatWasNotFlushedMayLeaveEither) {
     writeText(folder() / "draft", newBytes);
     Disk disk{folder()};
     follow(
-        disk, [&] { fs::rename(folder() / "draft", path()); }, [](const SystemCall&) {});
+        disk, [&] { fs::rename(folder() / "draft", path()); }, [](const SupervisedCall&) {});
     EXPECT_THAT(disk.contentsOf(path()), UnorderedElementsAre(oldBytes, newBytes));
 }
 
@@ -142,7 +142,7 @@ TEST_F(PowerLoss, WhileADeviceIsMadeLeavesNoneOrAWholeOne) {
     std::set<Disk::State> devices;
     follow(
         disk, [&] { standin::makeNewPhone(root, {}); },
-        [&](const SystemCall& call) {
+        [&](const SupervisedCall& call) {
             const auto paths = call.paths();
             isPublished = isPublished || (paths.size() == 2 && paths[1] == root);
             if (!isPublished) return;
