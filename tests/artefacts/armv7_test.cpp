@@ -253,7 +253,7 @@ TEST(Armv7Module, TakesAndAnswersSwitchStatesAs32BitIntegers) {
     for (const char* const name :
          {"stateForSwitchIdentifier:", "applyState:forSwitchIdentifier:"}) {
         const size_t method = metadata.find(std::string(" ") + name + "\n");
-        ASSERT_NE(method, std::string::npos);
+        ASSERT_NE(method, std::string::npos) << name;
         methods.push_back(found(metadata.substr(method), "^types 0x\\w+ (.*)").at(0));
     }
     EXPECT_THAT(methods, ElementsAre(Words{"i12@0:4@8"}, Words{"v16@0:4i8@12"}));

@@ -130,14 +130,14 @@ TEST(BundleFolder, HasItsTitleInEnglish) {
 }
 
 TEST(BundleFolder, HasADrawingForOnAndAnotherForOff) {
-    const std::string on = readText(bundle / "glyph-on.pdf");
-    const std::string off = readText(bundle / "glyph-off.pdf");
-    for (const std::string& drawing : {on, off}) {
-        EXPECT_TRUE(drawing.starts_with("%PDF-"));
+    for (const char* const file : {"glyph-on.pdf", "glyph-off.pdf"}) {
+        const std::string drawing = readText(bundle / file);
+        EXPECT_TRUE(drawing.starts_with("%PDF-")) << file;
         EXPECT_THAT(drawing.substr(drawing.size() - std::min<std::size_t>(drawing.size(), 8)),
-                    HasSubstr("%%EOF"));
+                    HasSubstr("%%EOF"))
+            << file;
     }
-    EXPECT_NE(on, off);
+    EXPECT_NE(readText(bundle / "glyph-on.pdf"), readText(bundle / "glyph-off.pdf"));
 }
 
 TEST(BundleFolder, HoldsNothingElse) {

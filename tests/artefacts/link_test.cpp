@@ -17,7 +17,6 @@ namespace quillet::linker {
 namespace {
 
 using ::testing::HasSubstr;
-using ::testing::Not;
 using ::testing::UnorderedElementsAre;
 
 const std::string& stub() {

@@ -152,7 +152,7 @@ TEST_P(PreInstallCheck, InstallsWhereTheSystemCannotBeFoundOut) {
 TEST_P(PreInstallCheck, ReadsAVersionOnTheLineOfItsKeyToo) {
     for (const std::string end : {"\n", ""}) {
         write(propertyList_, "<dict><key>ProductVersion</key><string>6.1</string></dict>" + end);
-        EXPECT_EQ(check().status, 1);
+        EXPECT_EQ(check().status, 1) << testing::PrintToString(end);
     }
 }
 

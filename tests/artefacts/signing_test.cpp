@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <ostream>
 
 #include "packaging/ios/sign/module.h"
 #include "packaging/ios/sign/signature.h"
@@ -23,6 +24,8 @@ struct Processor {
     std::uint32_t number;
     std::size_t pageSize;
 };
+
+void PrintTo(const Processor& processor, std::ostream* out) { *out << processor.name; }
 
 std::size_t wordOf(const Processor& processor) { return processor.number >> 24 == 1 ? 8 : 4; }
 
@@ -148,6 +151,8 @@ struct Refused {
     void (*alter)(std::string& module);
     const char* reason;
 };
+
+void PrintTo(const Refused& refused, std::ostream* out) { *out << refused.name; }
 
 class Refusing : public testing::TestWithParam<Refused> {};
 

@@ -15,6 +15,7 @@
 #include "platform/standin/plist/property_list.h"
 #include "tests/bounds/counted_memory.h"
 #include "tests/bounds/hostile_shapes.h"
+#include "tests/support/values.h"
 
 namespace quillet::standin {
 namespace {
@@ -49,7 +50,8 @@ TEST_P(Bounds, ReadingAndWritingAgainTakesMemoryAndTimeInProportionToTheSize) {
 
 INSTANTIATE_TEST_SUITE_P(AtEverySize, Bounds,
                          testing::Values(std::size_t{10000}, std::size_t{100000},
-                                         std::size_t{1000000}));
+                                         std::size_t{1000000}),
+                         testing::PrintToStringParamName());
 
 TEST(Limits, WhatWouldTakeTooMuchToWriteIsReadAndNotWritten) {
     for (const auto& [name, bytes] : hostileShapes(1000000)) {

@@ -9,6 +9,7 @@
 #include "platform/standin/device/root.h"
 #include "platform/standin/plist/readings.h"
 #include "tests/springboard/springboard.h"
+#include "tests/support/values.h"
 
 namespace quillet::test {
 namespace {
@@ -150,8 +151,9 @@ TEST_F(Commands, WithoutAStateFolderTheDeviceIsBelowTheHomeFolder) {
                                          .errors = {},
                                          .folder = folder()});
         EXPECT_EQ(outcome.output, "on\n") << ignored << outcome.errors;
-        EXPECT_TRUE(fs::exists(other + "/.local/state/quillet/device" + preferencesPath));
-        EXPECT_FALSE(fs::exists(folder() / "relative"));
+        EXPECT_TRUE(fs::exists(other + "/.local/state/quillet/device" + preferencesPath))
+            << ignored;
+        EXPECT_FALSE(fs::exists(folder() / "relative")) << ignored;
         fs::remove_all(other);
     }
 }

@@ -57,6 +57,7 @@ TEST_F(Terminal, HasNoneWhenTheUserWantsNone) {
 TEST_F(Terminal, WhatIsAskedForCountsMoreThanWhereItGoes) {
     setenv("NO_COLOR", "1", 1);
     for (const int descriptor : {terminal, file}) {
+        SCOPED_TRACE(descriptor == file ? "a file" : "a terminal");
         EXPECT_TRUE(hasColors(Color::always, descriptor));
         EXPECT_FALSE(hasColors(Color::never, descriptor));
     }

@@ -150,7 +150,7 @@ TEST_F(Notify, AWordHasAll64Bits) {
     for (const std::uint64_t word :
          {std::uint64_t{1}, std::uint64_t{1} << 32, std::uint64_t{1} << 63, 0x0123456789ABCDEFU,
           std::numeric_limits<std::uint64_t>::max(), std::uint64_t{0}}) {
-        EXPECT_EQ(notify_set_state(token, word), NOTIFY_STATUS_OK);
+        EXPECT_EQ(notify_set_state(token, word), NOTIFY_STATUS_OK) << word;
         EXPECT_EQ(wordOf(token), word);
     }
 }

@@ -12,6 +12,7 @@
 #include "platform/standin/runtime/dictionary_file.h"
 #include "tests/standin/on_a_device.h"
 #include "tests/support/supervisor.h"
+#include "tests/support/values.h"
 
 namespace quillet::test {
 namespace {
@@ -44,12 +45,14 @@ protected:
 
 TEST_F(DictionaryFile, IsReadByAllFourFunctions) {
     write(Dictionary{{"key", std::string{"value"}}});
-    for (const NSDictionary& dictionary :
-         {NSDictionary::dictionaryWithContentsOfFile(path),
-          NSDictionary::initWithContentsOfFile(path),
-          NSDictionary{NSMutableDictionary::dictionaryWithContentsOfFile(path)},
-          NSDictionary{NSMutableDictionary::initWithContentsOfFile(path)}}) {
-        EXPECT_EQ(standin::text(dictionary.objectForKey("key")), "value");
+    const std::pair<const char*, NSDictionary> rows[] = {
+        {"NSDictionary, new", NSDictionary::dictionaryWithContentsOfFile(path)},
+        {"NSDictionary, made", NSDictionary::initWithContentsOfFile(path)},
+        {"NSMutableDictionary, new", NSMutableDictionary::dictionaryWithContentsOfFile(path)},
+        {"NSMutableDictionary, made", NSMutableDictionary::initWithContentsOfFile(path)},
+    };
+    for (const auto& [function, dictionary] : rows) {
+        EXPECT_EQ(standin::text(dictionary.objectForKey("key")), "value") << function;
     }
 }
 

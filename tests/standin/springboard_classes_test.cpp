@@ -123,6 +123,7 @@ TEST_F(HostClasses, EveryVariantHasAndAnswersWhatItSays) {
 
 TEST_F(HostClasses, AnAbsentClassIsLookedUpAndThenReachesNobody) {
     for (const HostVariant::Media media : everyMedia) {
+        SCOPED_TRACE(nameOf(HostVariant::Indicator::absent, media));
         device().host = {HostVariant::Indicator::absent, media};
         log().clear();
         const auto cls = SBRingerHUDController::classInHost();

@@ -21,6 +21,7 @@
 #include "platform/standin/plist/property_list.h"
 #include "tests/standin/on_a_device.h"
 #include "tests/support/supervisor.h"
+#include "tests/support/values.h"
 
 namespace quillet::test {
 namespace {
@@ -63,7 +64,7 @@ TEST_F(HardwareFile, ANewDeviceIsNotMutedAndHasARingtoneVolume) {
 TEST_F(HardwareFile, AVolumeIsKeptToTheLastBit) {
     for (const float volume : {0.6F, 0.1F, 1e-30F, std::nextafter(1.0F, 0.0F),
                                std::numeric_limits<float>::denorm_min()}) {
-        EXPECT_TRUE(hardware().setVolume("Ringtone", volume));
+        EXPECT_TRUE(hardware().setVolume("Ringtone", volume)) << volume;
         EXPECT_EQ(hardware().volume("Ringtone"), volume);
     }
 }
@@ -86,7 +87,7 @@ TEST_F(HardwareFile, AVolumeInTheFileThatIsOutOfRangeIsReadInsideIt) {
         {7.0, 1.0F}, {-7.0, 0.0F}, {std::numeric_limits<double>::quiet_NaN(), 0.0F}, {true, 1.0F}};
     for (const auto& [stored, read] : rows) {
         write(Dictionary{{"volumes", Dictionary{{"Ringtone", stored}}}});
-        EXPECT_EQ(hardware().volume("Ringtone"), read);
+        EXPECT_EQ(hardware().volume("Ringtone"), read) << testing::PrintToString(stored);
     }
 }
 
@@ -115,6 +116,7 @@ TEST_F(HardwareFile, SettingOneThingKeepsTheOthers) {
 
 TEST_F(HardwareFile, AFileThatCannotBeReadGivesNothingAndIsLeftAsItIs) {
     for (const char* const broken : {"", "no property list", "<plist version=\"1.0\"><dict>"}) {
+        SCOPED_TRACE(testing::PrintToString(broken));
         write(std::string{broken});
         expectUseless();
     }

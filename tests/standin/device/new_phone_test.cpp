@@ -20,6 +20,7 @@
 #include "tests/support/child.h"
 #include "tests/support/no_room.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/values.h"
 
 namespace quillet::test {
 namespace {

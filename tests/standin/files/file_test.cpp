@@ -74,7 +74,7 @@ private:
 TEST_F(File, ReadsTheBytesAsTheyAre) {
     const std::string large(1000003, 'x');
     for (const std::string& bytes : {std::string{}, std::string("a\0\xFF\r\n", 5), large}) {
-        EXPECT_EQ(readFile(fileWith(bytes)), bytes);
+        EXPECT_TRUE(readFile(fileWith(bytes)) == bytes) << bytes.size() << " bytes";
     }
 }
 
@@ -117,8 +117,8 @@ TEST_F(File, WritesANewFile) {
 TEST_F(File, WritesBytesOfEverySize) {
     for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{5000001}}) {
         const std::string bytes(size, '\xAB');
-        EXPECT_TRUE(writeFileAtomically(path("file"), bytes));
-        EXPECT_EQ(readFile(path("file")), bytes);
+        EXPECT_TRUE(writeFileAtomically(path("file"), bytes)) << size;
+        EXPECT_TRUE(readFile(path("file")) == bytes) << size;
     }
 }
 
@@ -126,8 +126,8 @@ TEST_F(File, ReplacesAFileAndKeepsItsMode) {
     for (const ::mode_t mode : {0600U, 0640U, 0666U, 0755U}) {
         const fs::path file = fileWith("old");
         ASSERT_EQ(::chmod(file.c_str(), mode), 0);
-        EXPECT_TRUE(writeFileAtomically(file, "new"));
-        EXPECT_EQ(readFile(file), "new");
+        EXPECT_TRUE(writeFileAtomically(file, "new")) << mode;
+        EXPECT_EQ(readFile(file), "new") << mode;
         EXPECT_EQ(modeOf(file), mode);
     }
     EXPECT_EQ(filesInFolder(), 1);

@@ -16,6 +16,7 @@
 #include <string>
 
 #include "platform/standin/plist/property_list.h"
+#include "tests/support/values.h"
 
 namespace quillet::standin {
 namespace {
@@ -204,7 +205,7 @@ TEST(PropertyListOracle, EarlyDatesAgreeInTheBinaryForm) {
     for (const double seconds : {-63113904000.0, -50000000000.0, -31589136001.0}) {
         const Value value = Dictionary{{"date", Date{seconds}}};
         const Node node = nodeFrom(writePropertyList(value));
-        ASSERT_TRUE(node);
+        ASSERT_TRUE(node) << seconds;
         EXPECT_EQ(readPropertyList(binaryOf(node)), value) << seconds;
     }
 }

@@ -6,6 +6,7 @@
 
 #include "platform/standin/plist/property_list.h"
 #include "tests/standin/plist/binary_property_list.h"
+#include "tests/support/values.h"
 
 namespace quillet::standin {
 namespace {
@@ -206,6 +207,7 @@ TEST(MalformedBinaryPropertyList, ContainersThatHoldThemselves) {
         {dictionaryObject({1}, {0}), asciiObject("k")},
         {arrayObject({1}), dictionaryObject({2}, {0}), asciiObject("k")}};
     for (const auto& objects : files) {
+        SCOPED_TRACE(testing::PrintToString(objects));
         BinaryPropertyList file{objects};
         EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt);
         // The file's size, and with it the memory that it may take, must not help.
@@ -254,7 +256,7 @@ TEST(MalformedBinaryPropertyList, EveryChangeOfOneByteGivesNothingOrAValueThatSu
             const std::string text = writePropertyList(*value);
             const auto again = readXMLPropertyList(text);
             ASSERT_TRUE(again) << text;
-            ASSERT_EQ(writePropertyList(*again), text);
+            ASSERT_EQ(writePropertyList(*again), text) << testing::PrintToString(changed);
         }
     }
     EXPECT_GT(values, 0);

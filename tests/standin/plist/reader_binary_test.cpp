@@ -9,6 +9,7 @@
 
 #include "platform/standin/plist/property_list.h"
 #include "tests/standin/plist/binary_property_list.h"
+#include "tests/support/values.h"
 
 namespace quillet::standin {
 namespace {

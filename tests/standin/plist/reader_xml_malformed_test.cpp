@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/standin/plist/property_list.h"
+#include "tests/support/values.h"
 
 namespace quillet::standin {
 namespace {
@@ -186,10 +187,12 @@ TEST(MalformedXMLPropertyList, BytesThatAreNotUTF8) {
         // At every place relative to the words in which ASCII is skipped.
         for (std::size_t before = 0; before < 8; ++before) {
             const std::string text = std::string(before, 'a') + bytes;
-            EXPECT_EQ(readXMLPropertyList("<string>" + text + "</string>"), std::nullopt);
-            EXPECT_EQ(readXMLPropertyList("<dict><key>" + text + "</key><true/></dict>"),
-                      std::nullopt);
-            EXPECT_EQ(readXMLPropertyList("<array><" + text + "/></array>"), std::nullopt);
+            for (const std::string& document :
+                 {"<string>" + text + "</string>", "<dict><key>" + text + "</key><true/></dict>",
+                  "<array><" + text + "/></array>"}) {
+                EXPECT_EQ(readXMLPropertyList(document), std::nullopt)
+                    << testing::PrintToString(document);
+            }
         }
     }
     for (const char* bytes :

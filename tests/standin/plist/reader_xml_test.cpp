@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/standin/plist/property_list.h"
+#include "tests/support/values.h"
 
 namespace quillet::standin {
 namespace {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/standin/plist/property_list.h"
+#include "tests/support/values.h"
 
 namespace quillet::standin {
 namespace {
@@ -51,7 +52,7 @@ TEST(TextEncoding, PairsOfUnitsAreOneCharacterAndSingleOnesAreReplaced) {
 
 TEST(TextEncoding, HalfACharacterAtTheEndIsIgnored) {
     for (const std::size_t size : {std::size_t{2}, std::size_t{4}}) {
-        EXPECT_EQ(readPropertyList(inUnits(U"<true/>", size, false) + 'x'), Value{true});
+        EXPECT_EQ(readPropertyList(inUnits(U"<true/>", size, false) + 'x'), Value{true}) << size;
     }
     EXPECT_EQ(readPropertyList("\xFE\xFF"), std::nullopt);
     EXPECT_EQ(readPropertyList("\xFF\xFE\0\0"s), std::nullopt);
@@ -75,11 +76,13 @@ TEST(TextEncoding, UTF8HasSeveralNames) {
 
 TEST(TextEncoding, SingleBytesAreLatin1OrItsRelativeWithTheTypographersQuotes) {
     for (const char* name : {"ISO-8859-1", "iso-8859-1", "latin1"}) {
-        EXPECT_EQ(readPropertyList(declared(name, "a\xE9\x80\xFF")), Value{"a\u00E9\u0080\u00FF"});
+        EXPECT_EQ(readPropertyList(declared(name, "a\xE9\x80\xFF")), Value{"a\u00E9\u0080\u00FF"})
+            << name;
     }
     for (const char* name : {"windows-1252", "Windows-1252", "cp1252"}) {
         EXPECT_EQ(readPropertyList(declared(name, "a\xE9\x80\x9F\x81\xA0\x93")),
-                  Value{"a\u00E9\u20AC\u0178\u0081\u00A0\u201C"});
+                  Value{"a\u00E9\u20AC\u0178\u0081\u00A0\u201C"})
+            << name;
     }
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/plist/readings.h"
+#include "tests/support/values.h"
 
 #include <gtest/gtest.h>
 
@@ -54,8 +55,8 @@ TEST(Value, AStringReadsAsNoWhenAZeroByteComesFirst) {
 TEST(Value, OtherKindsHaveNoReadings) {
     for (const Value& value : {Value{Data{"1"}}, Value{Date{1}}, Value{UID{1}}, Value{Array{1, 2}},
                                Value{Dictionary{{"a", 1}}}}) {
-        EXPECT_EQ(boolValue(value), std::nullopt);
-        EXPECT_EQ(floatValue(value), std::nullopt);
+        EXPECT_EQ(boolValue(value), std::nullopt) << testing::PrintToString(value);
+        EXPECT_EQ(floatValue(value), std::nullopt) << testing::PrintToString(value);
     }
 }
 

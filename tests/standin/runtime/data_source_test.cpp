@@ -187,7 +187,7 @@ TEST_F(Defaults, WithoutATranslationTheTitleComesFromThePropertyList) {
          {std::string{"broken"}, standin::writePropertyList(Dictionary{}),
           standin::writePropertyList(Dictionary{{"CFBundleDisplayName", std::string{}}})}) {
         writeBytes(strings, useless);
-        EXPECT_EQ(title(), "Untranslated");
+        EXPECT_EQ(title(), "Untranslated") << useless;
     }
 }
 

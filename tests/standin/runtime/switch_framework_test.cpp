@@ -15,6 +15,7 @@
 #include "tests/standin/runtime/bundle_folder.h"
 #include "tests/support/phone.h"
 #include "tests/support/under_test.h"
+#include "tests/support/values.h"
 
 namespace quillet::test {
 namespace {
@@ -100,6 +101,7 @@ TEST_F(FrameworkLoader, AMalformedPropertyListMakesNoBundle) {
 
 TEST_F(FrameworkLoader, ABundleNeedsAnIdentifier) {
     for (const Value& identifier : {Value{std::string{}}, Value{true}}) {
+        SCOPED_TRACE(testing::PrintToString(identifier));
         writeInfo(bundle(), {{"CFBundleIdentifier", identifier}});
         expectRefused(bundle(), "no identifier");
     }
@@ -111,6 +113,7 @@ TEST_F(FrameworkLoader, ABundleNeedsAnExecutableInItsFolder) {
     const std::string inFolder = bundleUnderTest() / "Quillet";
     for (const std::string& executable : {std::string{}, inFolder, "../" + inFolder,
                                           std::string{"sub/Quillet"}, std::string{"Quillet/"}}) {
+        SCOPED_TRACE(executable);
         writeInfo(bundle(), {{"CFBundleIdentifier", std::string{"a.switch"}},
                              {"CFBundleExecutable", executable}});
         expectRefused(bundle(), "names no executable");
@@ -125,6 +128,7 @@ TEST_F(FrameworkLoader, AnExecutableThatIsNoModuleIsRefused) {
     for (const char* const bytes : {"", "#!/bin/sh\n",
                                     "\x7F"
                                     "ELF cut off"}) {
+        SCOPED_TRACE(testing::PrintToString(bytes));
         writeBytes(bundle() / "NoModule", bytes);
         expectRefused(bundle(), "NoModule");
     }
