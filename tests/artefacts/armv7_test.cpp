@@ -13,6 +13,7 @@
 #include <set>
 
 #include "tests/artefacts/built.h"
+#include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
 namespace {
@@ -109,6 +110,19 @@ TEST(Armv7Module, HasThreeSegmentsOfWholePagesOneBehindTheOther) {
     EXPECT_EQ(offset[2] + fileSize[2], std::filesystem::file_size(builtModule("armv7")));
     EXPECT_THAT(fields("initprot"), ElementsAre("r-x", "rw-", "r--"));
     EXPECT_EQ(fields("maxprot"), fields("initprot"));
+}
+
+// The signing tool sees to the last segment: what it is given must be a module too.
+TEST(Armv7Module, HasSegmentsOfWholePagesBeforeItIsSigned) {
+    const TemporaryFolder folder;
+    const std::string module = folder.path() / "module";
+    textOf(builtFolder() + "/tools/link " + builtFolder() + "/armv7/Quillet.o " + module +
+           " packaging/ios/exports.txt packaging/ios/stubs/*.tbd"
+           " -weak packaging/ios/stubs/optional/Celestial.tbd");
+    const auto sizes =
+        found(textOf("llvm-objdump-14 --macho --private-headers " + module), "^vmsize (0x\\w+)$");
+    EXPECT_THAT(sizes, SizeIs(3));
+    for (const Words& size : sizes) EXPECT_EQ(number(size[0]) % 0x1000, 0U) << size[0];
 }
 
 TEST(Armv7Module, HasItsSectionsInTheirSegmentsOneBehindTheOther) {

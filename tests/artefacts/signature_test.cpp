@@ -7,6 +7,7 @@
 
 #include "tests/artefacts/built.h"
 #include "tests/artefacts/signed_module.h"
+#include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
 namespace {
@@ -61,6 +62,15 @@ TEST_P(Signature, CoversEveryPageOfTheModule) {
                     IsSupersetOf({prefix + page, "SHA-1: hash of page " + page}));
     }
     EXPECT_GT(pages, 4U);
+}
+
+TEST_P(Signature, UnderANameThatItsLastPageDoesNotHoldTakesMorePages) {
+    const TemporaryFolder folder;
+    const std::string module = folder.path() / "module";
+    const std::string name(20'000, 'n');
+    writeText(module, module_);
+    textOf(builtFolder() + "/tools/sign " + module + " " + name);
+    EXPECT_THAT(readSignedModule(readText(module), name).faults, IsEmpty());
 }
 
 }  // namespace
