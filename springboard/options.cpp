@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
+#include <stdexcept>
 
 #include "springboard/arrange.h"
 #include "springboard/command_line.h"
@@ -26,22 +27,25 @@ fs::path defaultRoot() {
     return root.empty() ? below("HOME", ".local/state/quillet/device") : root;
 }
 
-/// Beside this program.
-fs::path defaultBundle() {
-    std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error).parent_path() / "Quillet.bundle";
-}
-
 /// Where the device and the bundle are when the command line does not say it.
 void completeOptions(Options& options) {
     if (options.root.empty()) options.root = defaultRoot();
     if (options.root.empty()) {
         throw UsageError("no --root given, and neither XDG_STATE_HOME nor HOME names a folder");
     }
-    if (options.bundle.empty()) options.bundle = defaultBundle();
+    options.bundle =
+        options.bundle.empty() ? bundleBeside("/proc/self/exe") : fs::absolute(options.bundle);
 }
 
 }  // namespace
+
+fs::path bundleBeside(const fs::path& program) {
+    std::error_code error;
+    const fs::path found = fs::read_symlink(program, error);
+    if (found.is_absolute()) return found.parent_path() / "Quillet.bundle";
+    throw std::runtime_error(program.string() +
+                             ": does not tell where this program is; --bundle must name a bundle");
+}
 
 Options parseOptions(int argc, char** argv) {
     Options options;

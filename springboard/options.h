@@ -42,7 +42,12 @@ struct Options {
     std::string text;
 };
 
-/// Reads a command line. Options may stand anywhere. Throws UsageError.
+/// Reads a command line. Options may stand anywhere. Throws UsageError, or std::runtime_error when
+/// the bundle is left to be found and cannot be.
 Options parseOptions(int argc, char** argv);
+
+/// `Quillet.bundle` beside the program that the symbolic link `program` leads to: an absolute path.
+/// Throws std::runtime_error when the link cannot be read.
+std::filesystem::path bundleBeside(const std::filesystem::path& program);
 
 }  // namespace quillet
