@@ -7,12 +7,16 @@
 #include <stdexcept>
 
 #include "springboard/trace_format.h"
+#include "springboard/turn.h"
 
 namespace quillet {
 
 using standin::TraceRecord;
 
 namespace {
+
+/// Of the device: what gives hosts their turns.
+constexpr char turnPath[] = "/var/run/springboard.lock";
 
 /// The user's choices on a new phone: the vibration is the switch's, when it mutes.
 standin::NewFile switchPreferences() {
@@ -58,12 +62,21 @@ void HostProcess::checkOutput() const {
     if (trace_ != nullptr && !*trace_) throw std::runtime_error("the trace cannot be written");
 }
 
-void HostProcess::printState() {
-    print(switch_->stateForSwitchIdentifier(identifier()));
+FSSwitchState HostProcess::state() const {
+    return switch_->stateForSwitchIdentifier(identifier());
+}
+
+void HostProcess::report(FSSwitchState state) const {
+    print(state);
     checkOutput();
 }
 
-void HostProcess::apply(std::optional<std::int32_t> state) {
+void HostProcess::printState() { report(state()); }
+
+FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
+    const Turn turn{device_.below(turnPath), [] {
+                        std::cerr << "springboard: waiting for another flip of this device\n";
+                    }};
     if (state) {
         switch_->applyState(static_cast<FSSwitchState>(*state), identifier());
     } else {
@@ -71,8 +84,10 @@ void HostProcess::apply(std::optional<std::int32_t> state) {
     }
     // The switch's own post comes back to it, as in a host whose run loop goes on.
     device_.eventLoop.turn();
-    printState();
+    return this->state();
 }
+
+void HostProcess::apply(std::optional<std::int32_t> state) { report(send(state)); }
 
 void HostProcess::watch() {
     // No exception from here: the bundle's frames, which know none, are between us and watch().

@@ -19,15 +19,21 @@ public:
 
     void printState();
     /// Sends the switch `state`, or the tap when there is none, and prints the state afterwards.
+    /// Waits for its turn before that.
     void apply(std::optional<std::int32_t> state);
     /// Prints the state at each refresh, until the process is interrupted.
     void watch();
 
 private:
     void startTrace(const Options& options);
+    FSSwitchState state() const;
+    /// Answers the state afterwards.
+    FSSwitchState send(std::optional<std::int32_t> state);
     void print(FSSwitchState state) const;
     /// Throws std::runtime_error when something that was printed or traced could not be written.
     void checkOutput() const;
+    /// Both.
+    void report(FSSwitchState state) const;
     NSString identifier() const { return standin::makeString(identifier_); }
 
     bool json_;

@@ -16,6 +16,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char hardwarePath[] = "/var/db/hardware.plist";
+constexpr char turnPath[] = "/var/run/springboard.lock";
+constexpr char waiting[] = "springboard: waiting for another flip of this device\n";
 
 class SeveralProcesses : public SpringBoard {
 protected:
@@ -25,6 +27,17 @@ protected:
         return start(QUILLET_SPRINGBOARD, {.words = words,
                                            .output = folder() / (name + ".output"),
                                            .errors = folder() / (name + ".errors")});
+    }
+
+    /// Starts a flip off that has its turn and stops in its first wait, the user's settings put
+    /// aside. To be killed, or continued.
+    pid_t beginAndStop() {
+        write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}});
+        const pid_t stopped = begin({"--trace", "flip", "off"}, "stopped");
+        EXPECT_TRUE(becomesTrue(
+            [&] { return errorsOf("stopped").find("runUntilDate:") != std::string::npos; }));
+        ::kill(stopped, SIGSTOP);
+        return stopped;
     }
 
     std::string outputOf(const std::string& name) const {
@@ -54,7 +67,7 @@ TEST_F(SeveralProcesses, ThatFlipAtOnceAllSucceedAndLeaveEveryFileWhole) {
         EXPECT_EQ(waitFor(processes[static_cast<std::size_t>(i)]), 0)
             << errorsOf(std::to_string(i));
         EXPECT_THAT(outputOf(std::to_string(i)), testing::AnyOf("on\n", "off\n"));
-        EXPECT_EQ(errorsOf(std::to_string(i)), "");
+        EXPECT_THAT(errorsOf(std::to_string(i)), testing::AnyOf("", waiting));
     }
     expectWholeFiles();
     expectOutput({"flip", "on"}, "on\n");
@@ -72,10 +85,7 @@ TEST_F(SeveralProcesses, ThatMakeOneDeviceAtOnceAllHaveIt) {
 }
 
 TEST_F(SeveralProcesses, OfWhichOneIsKilledInsideItsWaitGoOn) {
-    write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}});
-    const pid_t killed = begin({"--trace", "flip", "off"}, "killed");
-    EXPECT_TRUE(
-        becomesTrue([&] { return errorsOf("killed").find("runUntilDate:") != std::string::npos; }));
+    const pid_t killed = beginAndStop();
     ::kill(killed, SIGKILL);
     EXPECT_EQ(waitFor(killed), -SIGKILL);
     expectWholeFiles();
@@ -83,6 +93,65 @@ TEST_F(SeveralProcesses, OfWhichOneIsKilledInsideItsWaitGoOn) {
     write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", true}});
     expectOutput({"state"}, "on\n");
     expectOutput({"flip"}, "off\n");
+}
+
+TEST_F(SeveralProcesses, TakeTurnsInFlippingAndSayThatTheyWait) {
+    const std::string before = bytes(springBoardPreferencesPath);
+    const pid_t first = beginAndStop();
+    const pid_t second = begin({"flip", "on"}, "second");
+    const pid_t third = begin({"apply", "0"}, "third");
+    EXPECT_TRUE(
+        becomesTrue([&] { return errorsOf("second") == waiting && errorsOf("third") == waiting; }));
+    EXPECT_NE(bytes(springBoardPreferencesPath), before);
+    ::kill(first, SIGCONT);
+    for (const pid_t process : {first, second, third}) EXPECT_EQ(waitFor(process), 0);
+    EXPECT_EQ(outputOf("stopped"), "off\n");
+    EXPECT_EQ(outputOf("second"), "on\n");
+    EXPECT_EQ(outputOf("third"), "off\n");
+    EXPECT_EQ(bytes(springBoardPreferencesPath), before);
+}
+
+TEST_F(SeveralProcesses, LoseTheirTurnsWithTheirLives) {
+    const pid_t killed = beginAndStop();
+    const pid_t next = begin({"flip", "on"}, "next");
+    EXPECT_TRUE(becomesTrue([&] { return errorsOf("next") == waiting; }));
+    ::kill(killed, SIGKILL);
+    EXPECT_EQ(waitFor(killed), -SIGKILL);
+    EXPECT_EQ(waitFor(next), 0);
+    EXPECT_EQ(outputOf("next"), "on\n");
+}
+
+TEST_F(SeveralProcesses, MayEndWhileTheyWaitForTheirTurns) {
+    const pid_t stopped = beginAndStop();
+    const pid_t impatient = begin({"flip", "on"}, "impatient");
+    EXPECT_TRUE(becomesTrue([&] { return errorsOf("impatient") == waiting; }));
+    ::kill(impatient, SIGINT);
+    EXPECT_EQ(waitFor(impatient), -SIGINT);
+    ::kill(stopped, SIGKILL);
+    waitFor(stopped);
+}
+
+TEST_F(SeveralProcesses, NeedNoTurnsToAskForTheState) {
+    const pid_t stopped = beginAndStop();
+    expectOutput({"state"}, "on\n");
+    ::kill(stopped, SIGKILL);
+    waitFor(stopped);
+}
+
+TEST_F(SeveralProcesses, OfOthersCannotTakeATurn) {
+    expectOutput({"flip"}, "off\n");
+    EXPECT_EQ(fs::status(onDevice(turnPath)).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(SeveralProcesses, DoNotFlipWithoutATurn) {
+    fs::create_directory(onDevice(turnPath));
+    expectFailure(run({"flip"}), 1, onDevice(turnPath));
+    fs::remove(onDevice(turnPath));
+    fs::create_symlink(folder() / "elsewhere", onDevice(turnPath));
+    expectFailure(run({"flip"}), 1, onDevice(turnPath));
+    EXPECT_FALSE(fs::exists(folder() / "elsewhere"));
+    expectOutput({"state"}, "on\n");
 }
 
 }  // namespace
