@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "springboard/signals.h"
 #include "springboard/trace_format.h"
 #include "springboard/turn.h"
 
@@ -32,7 +33,8 @@ HostProcess::HostProcess(const Options& options)
       device_{{.root = options.root,
                .newFiles = {switchPreferences()},
                .machine = options.machine,
-               .host = options.host}} {
+               .host = options.host,
+               .clock = options.clock}} {
     if (options.traces) startTrace(options);
     identifier_ = device_.framework.load(options.bundle);
     switch_ = device_.framework.dataSource(identifier_);
@@ -48,7 +50,8 @@ void HostProcess::startTrace(const Options& options) {
     // Each line at once: a reader may follow the trace while the switch runs.
     device_.trace.setSink([this, format = options.traceFormat](const TraceRecord& record) {
         const bool isText = format == TraceFormat::text;
-        *trace_ << (isText ? toText(record) : toLine(toJSON(record))) << std::endl;
+        const std::string line = isText ? toText(record) : toLine(toJSON(record));
+        *trace_ << line + '\n' << std::flush;
     });
 }
 
@@ -62,9 +65,7 @@ void HostProcess::checkOutput() const {
     if (trace_ != nullptr && !*trace_) throw std::runtime_error("the trace cannot be written");
 }
 
-FSSwitchState HostProcess::state() const {
-    return switch_->stateForSwitchIdentifier(identifier());
-}
+FSSwitchState HostProcess::state() const { return switch_->stateForSwitchIdentifier(identifier()); }
 
 void HostProcess::report(FSSwitchState state) const {
     print(state);
@@ -74,9 +75,10 @@ void HostProcess::report(FSSwitchState state) const {
 void HostProcess::printState() { report(state()); }
 
 FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
-    const Turn turn{device_.below(turnPath), [] {
-                        std::cerr << "springboard: waiting for another flip of this device\n";
-                    }};
+    const Turn turn{device_.below(turnPath),
+                    [] { std::cerr << "springboard: waiting for another flip of this device\n"; }};
+    // The settings that the switch changes for a while are the user's.
+    holdSignals();
     if (state) {
         switch_->applyState(static_cast<FSSwitchState>(*state), identifier());
     } else {
@@ -87,7 +89,10 @@ FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
     return this->state();
 }
 
-void HostProcess::apply(std::optional<std::int32_t> state) { report(send(state)); }
+void HostProcess::apply(std::optional<std::int32_t> state) {
+    report(send(state));
+    obeyHeldSignal();
+}
 
 void HostProcess::watch() {
     // No exception from here: the bundle's frames, which know none, are between us and watch().

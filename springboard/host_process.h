@@ -19,7 +19,8 @@ public:
 
     void printState();
     /// Sends the switch `state`, or the tap when there is none, and prints the state afterwards.
-    /// Waits for its turn before that.
+    /// Waits for its turn before that. See holdSignals for the signals that come meanwhile, which
+    /// are obeyed at the end.
     void apply(std::optional<std::int32_t> state);
     /// Prints the state at each refresh, until the process is interrupted.
     void watch();

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/standin/device/clock.h"
 #include "platform/standin/device/host_variant.h"
 #include "springboard/terminal.h"
 #include "springboard/trace_format.h"
@@ -31,6 +32,8 @@ struct Options {
     std::filesystem::path root;
     std::filesystem::path bundle;
     std::string machine = "iPhone6,1";
+    /// Not to be chosen on a command line.
+    standin::Clock::Kind clock = standin::Clock::Kind::real;
     standin::HostVariant host;
     bool traces = false;
     /// Empty for standard error.

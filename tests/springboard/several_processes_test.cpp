@@ -131,6 +131,16 @@ TEST_F(SeveralProcesses, MayEndWhileTheyWaitForTheirTurns) {
     waitFor(stopped);
 }
 
+TEST_F(SeveralProcesses, ThatAreAskedToEndAmidAFlipEndItFirst) {
+    const std::string before = bytes(springBoardPreferencesPath);
+    const pid_t process = beginAndStop();
+    ::kill(process, SIGTERM);
+    ::kill(process, SIGCONT);
+    EXPECT_EQ(waitFor(process), -SIGTERM);
+    EXPECT_EQ(outputOf("stopped"), "off\n");
+    EXPECT_EQ(bytes(springBoardPreferencesPath), before);
+}
+
 TEST_F(SeveralProcesses, NeedNoTurnsToAskForTheState) {
     const pid_t stopped = beginAndStop();
     expectOutput({"state"}, "on\n");

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <regex>
@@ -142,6 +145,26 @@ TEST_F(Streams, ATraceThatIsCutOffIsAFailure) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.output, "off\n") << "the switch was flipped all the same";
     EXPECT_EQ(outcome.errors, "springboard: the trace cannot be written\n");
+}
+
+TEST_F(Streams, AReaderWhoGoesAwayAmidAFlipIsAFailureAfterIt) {
+    write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}});
+    const std::string before = bytes(springBoardPreferencesPath);
+    const fs::path pipe = folder() / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const pid_t host = start(
+        QUILLET_SPRINGBOARD,
+        {.words = {"--root", root(), "--trace", "flip", "off"}, .output = pipe, .errors = pipe});
+    EXPECT_TRUE(becomesTrue([&, trace = std::string{}]() mutable {
+        char letter = 0;
+        while (read(reader, &letter, 1) == 1) trace += letter;
+        return trace.find("runUntilDate:") != std::string::npos;
+    }));
+    EXPECT_NE(bytes(springBoardPreferencesPath), before);
+    close(reader);
+    EXPECT_EQ(waitFor(host), 1);
+    EXPECT_EQ(bytes(springBoardPreferencesPath), before);
 }
 
 TEST_F(Streams, AMachineNameThatIsNoUTF8IsTracedAsASCII) {

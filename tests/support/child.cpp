@@ -17,6 +17,8 @@ namespace {
 constexpr pid_t none = -1;
 constexpr int failed = 99;
 
+}  // namespace
+
 int answerOf(const std::function<int()>& body) {
     try {
         return body();
@@ -25,8 +27,6 @@ int answerOf(const std::function<int()>& body) {
         return failed;
     }
 }
-
-}  // namespace
 
 int statusOf(int report) { return WIFSIGNALED(report) ? -WTERMSIG(report) : WEXITSTATUS(report); }
 

@@ -28,6 +28,10 @@ private:
     int status_ = 0;
 };
 
+/// What `body` answers, as the exit status of a second process: 99, with a message on standard
+/// error, when it throws.
+int answerOf(const std::function<int()>& body);
+
 /// How a process ended, of what waitpid(2) reports: the exit status, or the negative number of the
 /// signal that ended it.
 int statusOf(int report);

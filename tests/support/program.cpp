@@ -2,6 +2,7 @@
 #include "tests/support/program.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -32,6 +33,7 @@ void redirect(int descriptor, const fs::path& file, int flags) {
 
 /// In the new process, between fork and exec.
 [[noreturn]] void become(const fs::path& program, const Start& how) {
+    takeSignals();
     redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
     redirect(STDOUT_FILENO, how.output, O_WRONLY | O_CREAT | O_TRUNC);
     redirect(STDERR_FILENO, how.errors, O_WRONLY | O_CREAT | O_TRUNC);
@@ -51,6 +53,15 @@ void redirect(int descriptor, const fs::path& file, int flags) {
 }
 
 }  // namespace
+
+void takeSignals() {
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    for (const int signal : {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXFSZ}) {
+        ::signal(signal, SIG_DFL);
+    }
+}
 
 pid_t start(const fs::path& program, const Start& how) {
     const pid_t process = fork();

@@ -35,7 +35,11 @@ struct Start {
     std::optional<int> closed = {};
 };
 
-/// Starts the program of that path.
+/// Has the signals that ask a process to end, or tell it that it cannot write, end this one,
+/// whatever it was started with.
+void takeSignals();
+
+/// Starts the program of that path, which those signals end.
 pid_t start(const std::filesystem::path& program, const Start& how);
 
 /// Waits for a process's end; see Outcome for the answer.
