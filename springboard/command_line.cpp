@@ -34,7 +34,8 @@ Examples:
   springboard help apply                  what the numbers mean
 
 Exit status:
-  0; 1 when the device or the bundle cannot be used; 2 for a bad command line
+  0; 1 when the device or the bundle cannot be used or a flip did not come
+  about; 2 for a bad command line
 )";
 
 constexpr char applyFooter[] = R"(The number:

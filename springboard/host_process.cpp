@@ -19,6 +19,8 @@ namespace {
 /// Of the device: what gives hosts their turns.
 constexpr char turnPath[] = "/var/run/springboard.lock";
 
+const char* wordFor(FSSwitchState state) { return state == FSSwitchStateOn ? "on" : "off"; }
+
 /// The user's choices on a new phone: the vibration is the switch's, when it mutes.
 standin::NewFile switchPreferences() {
     return {
@@ -56,7 +58,7 @@ void HostProcess::startTrace(const Options& options) {
 }
 
 void HostProcess::print(FSSwitchState state) const {
-    const char* const word = state == FSSwitchStateOn ? "on" : "off";
+    const char* const word = wordFor(state);
     std::cout << (json_ ? toLine({{"state", word}}) : word) << std::endl;
 }
 
@@ -89,9 +91,18 @@ FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
     return this->state();
 }
 
-void HostProcess::apply(std::optional<std::int32_t> state) {
-    report(send(state));
+FSSwitchState HostProcess::apply(std::optional<std::int32_t> state) {
+    const FSSwitchState now = send(state);
+    report(now);
     obeyHeldSignal();
+    return now;
+}
+
+void HostProcess::flip(std::optional<std::int32_t> state) {
+    const FSSwitchState now = apply(state);
+    if (!state || now == *state) return;
+    throw std::runtime_error(std::string{"the flip did not come about: the switch is "} +
+                             wordFor(now));
 }
 
 void HostProcess::watch() {

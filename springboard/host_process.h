@@ -21,7 +21,9 @@ public:
     /// Sends the switch `state`, or the tap when there is none, and prints the state afterwards.
     /// Waits for its turn before that. See holdSignals for the signals that come meanwhile, which
     /// are obeyed at the end.
-    void apply(std::optional<std::int32_t> state);
+    FSSwitchState apply(std::optional<std::int32_t> state);
+    /// The same. Throws std::runtime_error when the switch then has another state than `state`.
+    void flip(std::optional<std::int32_t> state);
     /// Prints the state at each refresh, until the process is interrupted.
     void watch();
 

@@ -36,8 +36,10 @@ void run(const Options& options) {
             return process.printState();
         case Command::watch:
             return process.watch();
+        case Command::flip:
+            return process.flip(options.value);
         default:
-            return process.apply(options.value);
+            process.apply(options.value);
     }
 }
 

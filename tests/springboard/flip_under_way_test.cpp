@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/notify.h"
 #include "springboard/host_process.h"
 #include "tests/springboard/springboard.h"
 #include "tests/support/stepped.h"
@@ -134,7 +135,7 @@ protected:
 private:
     static int flipOff(HostProcess& host) {
         try {
-            host.apply(0);
+            host.flip(0);
             return EXIT_SUCCESS;
         } catch (const std::runtime_error& error) {
             std::cerr << error.what() << '\n';
@@ -226,6 +227,27 @@ TEST_F(FlipUnderWay, EndsHoweverOftenOtherSignalsCome) {
     }
     EXPECT_THAT(flip.end(), AnyOf(-SIGHUP, -SIGPIPE, -SIGXFSZ));
     EXPECT_TRUE(areSettingsAsBefore());
+}
+
+TEST_F(FlipUnderWay, ThatSomebodyElseUndoesSaysSo) {
+    const auto turnOn = [this] {
+        const standin::Device device{{.root = root()}};
+        int token = NOTIFY_TOKEN_INVALID;
+        notify_register_check("com.apple.springboard.ringerstate", &token);
+        notify_set_state(token, 1);
+        notify_cancel(token);
+    };
+    const std::string message = "the flip did not come about: the switch is on\n";
+    int undone = 0;
+    const auto statuses = statusesOf([&](Stepped& flip) {
+        turnOn();
+        const bool isUndone = flip.end() == 1;
+        undone += isUndone;
+        EXPECT_EQ(readText(output()), isUndone ? "on\n" : "off\n");
+        EXPECT_EQ(readText(errors()), isUndone ? message : "");
+    });
+    EXPECT_GT(undone, 0);
+    EXPECT_LT(undone, static_cast<int>(statuses.size()));
 }
 
 }  // namespace
