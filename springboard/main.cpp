@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -18,6 +19,7 @@ namespace quillet {
 namespace {
 
 constexpr int badUse = 2;
+constexpr char outOfMemory[] = "springboard: out of memory\n";
 
 std::string textOf(const Options& options, int descriptor) {
     return hasColors(options.color, descriptor) ? withBoldHeadings(options.text) : options.text;
@@ -53,6 +55,13 @@ void holdStandardStreams() {
     close(file);
 }
 
+/// In place of an exception for which there is no memory: abort() is for faults of the program.
+[[noreturn]] void endWithoutException() {
+    if (std::current_exception() != nullptr) std::abort();
+    std::cerr << outOfMemory;
+    _exit(EXIT_FAILURE);
+}
+
 int runProgram(int argc, char** argv) {
     try {
         const Options options = parseOptions(argc, argv);
@@ -65,6 +74,9 @@ int runProgram(int argc, char** argv) {
     } catch (const UsageError& error) {
         std::cerr << "springboard: " << error.what() << "\nTry \"springboard --help\".\n";
         return badUse;
+    } catch (const std::bad_alloc&) {
+        std::cerr << outOfMemory;
+        return EXIT_FAILURE;
     } catch (const std::exception& error) {
         std::cerr << "springboard: " << error.what() << '\n';
         return EXIT_FAILURE;
@@ -76,6 +88,7 @@ int runProgram(int argc, char** argv) {
 }  // namespace quillet
 
 int main(int argc, char** argv) {
+    std::set_terminate(quillet::endWithoutException);
     quillet::holdStandardStreams();
     return quillet::runProgram(argc, argv);
 }
