@@ -56,11 +56,17 @@ int openFile(const fs::path& path, int flags, mode_t mode = 0) {
     return uninterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC, mode); });
 }
 
+/// -1, with EEXIST where another name may do.
 int openNew(const fs::path& path, Draft::Kind kind, mode_t mode) {
     if (kind == Draft::Kind::file) return openFile(path, O_WRONLY | O_CREAT | O_EXCL, mode);
     if (mkdir(path.c_str(), mode) != 0) return -1;
     const int folder = openFile(path, O_RDONLY | O_DIRECTORY);
-    if (folder == -1) rmdir(path.c_str());
+    if (folder == -1) {
+        // If it is gone, somebody has taken it for abandoned.
+        const int error = errno == ENOENT ? EEXIST : errno;
+        rmdir(path.c_str());
+        errno = error;
+    }
     return folder;
 }
 

@@ -10,6 +10,7 @@
 
 #include "platform/standin/device/device.h"
 #include "platform/standin/device/new_phone.h"
+#include "platform/standin/files/draft.h"
 #include "tests/support/child.h"
 #include "tests/support/program.h"
 #include "tests/support/supervisor.h"
@@ -96,6 +97,24 @@ TEST_F(NewPhoneCalls, OfOneWhoDiesWhileSomebodyElseIsFasterLeaveNothingForTheNex
     EXPECT_EQ(entries(), 2) << "the device, and half of another";
     EXPECT_EQ(make(), 0);
     expectDevice();
+}
+
+TEST_F(NewPhoneCalls, BeforeAnyOfWhichSomebodyTidiesUpLeaveADeviceAllTheSame) {
+    int place = 0;
+    for (int calls = 1; place < calls; ++place) {
+        fs::remove_all(root());
+        calls = 0;
+        const auto tidyOnce = [&](const SupervisedCall& /*call*/) {
+            if (calls++ == place) standin::Draft::removeAbandoned(folder());
+            return Verdict{};
+        };
+        EXPECT_EQ(supervise(
+                      callsThatChange(), [this] { return make(); }, tidyOnce),
+                  0)
+            << place;
+        expectDevice();
+    }
+    EXPECT_GT(place, 40) << "four files, and the folders above them";
 }
 
 TEST_F(NewPhoneCalls, LeaveFoldersOfTheUsersAlone) {
