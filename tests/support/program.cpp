@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -48,6 +49,7 @@ void redirect(int descriptor, const fs::path& file, int flags) {
     std::vector<char*> arguments = {name.data()};
     for (const std::string& word : how.words) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
+    if (how.isTraced) ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
     execv(program.c_str(), arguments.data());
     _exit(notStarted);
 }

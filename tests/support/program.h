@@ -33,6 +33,8 @@ struct Start {
     std::filesystem::path folder = {};
     /// Closes this descriptor instead: 0, 1 or 2.
     std::optional<int> closed = {};
+    /// Has this process trace it; see ptrace(2).
+    bool isTraced = false;
 };
 
 /// Has the signals that ask a process to end, or tell it that it cannot write, end this one,
