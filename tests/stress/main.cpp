@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/stress/faults.h"
+#include "tests/stress/kills.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
@@ -16,7 +17,7 @@ namespace {
 
 using Form = std::function<Tally(Extent, const std::filesystem::path&)>;
 
-const std::map<std::string, Form> forms = {{"faults", tryFaults}};
+const std::map<std::string, Form> forms = {{"faults", tryFaults}, {"kills", tryKills}};
 
 /// Whether all held.
 bool run(const std::string& form, Extent extent) {
