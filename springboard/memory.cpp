@@ -18,18 +18,27 @@ namespace {
 /// is used.
 constexpr std::size_t reserveSize = std::size_t{16} << 20U;
 
-alignas(std::max_align_t) std::byte reserve[reserveSize];
+/// Of what malloc yields.
+constexpr std::size_t defaultAlignment = alignof(std::max_align_t);
+
+/// As much as anybody here aligns anything.
+alignas(4096) std::byte reserve[reserveSize];
 
 /// Bytes; they are never given back, as there is no need for more.
 std::atomic<std::size_t> taken = 0;
 
+constexpr std::size_t roundUp(std::size_t size, std::size_t unit) {
+    return (size + unit - 1) / unit * unit;
+}
+
 /// Null when too little is left.
-void* takeReserve(std::size_t size) {
-    constexpr std::size_t unit = alignof(std::max_align_t);
-    std::size_t begin = taken;
+void* takeReserve(std::size_t size, std::size_t alignment) {
+    std::size_t before = taken;
+    std::size_t begin = 0;
     do {
-        if (size > reserveSize - begin) return nullptr;
-    } while (!taken.compare_exchange_weak(begin, begin + (size + unit - 1) / unit * unit));
+        begin = roundUp(before, alignment);
+        if (begin > reserveSize || size > reserveSize - begin) return nullptr;
+    } while (!taken.compare_exchange_weak(before, begin + size));
     return reserve + begin;
 }
 
@@ -38,12 +47,17 @@ bool isReserve(const void* memory) {
     return !before(memory, reserve) && before(memory, reserve + reserveSize);
 }
 
-void* take(std::size_t size) {
+/// Throws std::bad_alloc when there is no more.
+void* take(std::size_t size, std::size_t alignment) {
     // Each block has an address of its own, even one of no bytes.
-    const std::size_t bytes = std::max<std::size_t>(size, 1);
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): there is nothing below operator new but this.
-    void* const memory = std::malloc(bytes);
-    return memory != nullptr ? memory : takeReserve(bytes);
+    const std::size_t bytes = roundUp(std::max<std::size_t>(size, 1), alignment);
+    // NOLINTBEGIN(cppcoreguidelines-no-malloc): there is nothing below operator new but this.
+    void* memory =
+        alignment > defaultAlignment ? std::aligned_alloc(alignment, bytes) : std::malloc(bytes);
+    // NOLINTEND(cppcoreguidelines-no-malloc)
+    if (memory == nullptr) memory = takeReserve(bytes, alignment);
+    if (memory == nullptr) throw std::bad_alloc{};
+    return memory;
 }
 
 void giveBack(void* memory) {
@@ -55,10 +69,17 @@ void giveBack(void* memory) {
 
 }  // namespace quillet
 
-// The arrays' forms, and those without exceptions, come down to these.
-void* operator new(std::size_t size) {
-    if (void* const memory = quillet::take(size)) return memory;
-    throw std::bad_alloc{};
+// The arrays' forms, and those without exceptions, come down to these. Memory resources ask for an
+// alignment whatever it is.
+void* operator new(std::size_t size) { return quillet::take(size, quillet::defaultAlignment); }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return quillet::take(size, static_cast<std::size_t>(alignment));
 }
 void operator delete(void* memory) noexcept { quillet::giveBack(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { quillet::giveBack(memory); }
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
+    quillet::giveBack(memory);
+}
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+    quillet::giveBack(memory);
+}

@@ -3,7 +3,9 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 
@@ -29,9 +31,14 @@ bool isRefused() {
     return true;
 }
 
-void* take(std::size_t size) {
+constexpr std::size_t defaultAlignment = alignof(std::max_align_t);
+
+void* take(std::size_t size, std::size_t alignment) {
     if (isRefused()) throw std::bad_alloc{};
-    void* const memory = std::malloc(size);
+    const std::size_t units = (std::max<std::size_t>(size, 1) + alignment - 1) / alignment;
+    void* const memory = alignment > defaultAlignment
+                             ? std::aligned_alloc(alignment, units * alignment)
+                             : std::malloc(units * alignment);
     if (memory == nullptr) throw std::bad_alloc{};
     const std::size_t now = used += malloc_usable_size(memory);
     std::size_t seen = highest;
@@ -47,10 +54,18 @@ void giveBack(void* memory) noexcept {
 
 }  // namespace
 
-// The arrays' forms, and those without exceptions, come down to these.
-void* operator new(std::size_t size) { return take(size); }
+// The arrays' forms, and those without exceptions, come down to these. Memory resources ask for an
+// alignment whatever it is.
+void* operator new(std::size_t size) { return take(size, defaultAlignment); }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return take(size, static_cast<std::size_t>(alignment));
+}
 void operator delete(void* memory) noexcept { giveBack(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { giveBack(memory); }
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept { giveBack(memory); }
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+    giveBack(memory);
+}
 
 namespace quillet::test {
 
