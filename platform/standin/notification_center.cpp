@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/notification_center.h"
 
+#include <cstdio>
 #include <string>
 
 #include "platform/standin/device/device.h"
@@ -37,10 +38,14 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef /*center*/, const v
     device.trace.function("CFNotificationCenterAddObserver", centerDescription,
                           standin::pointerTrace(observer), "<callback>", nameText,
                           standin::pointerTrace(object), suspensionBehavior);
-    device.observers.add(nameText, [=] {
+    const bool isAdded = device.observers.add(nameText, [=] {
         callback(darwinCenter(), const_cast<void*>(observer), standin::makeString(nameText), object,
                  nullptr);
     });
+    if (!isAdded) {
+        std::fprintf(stderr, "\"%s\" cannot be observed: the service does not take the name\n",
+                     nameText.c_str());
+    }
 }
 
 void CFNotificationCenterPostNotification(CFNotificationCenterRef /*center*/, CFStringRef name,

@@ -72,11 +72,13 @@ TEST(Loading, WithoutRoomForItsObserverStillAnswersButIsNotRefreshed) {
     const standin::DeviceRoot root{folder.path() / "root"};
     const auto table = root.below(standin::DeviceRoot::notificationsPath);
     std::filesystem::remove(table);
-    standin::NotificationTable::create(table);
-    standin::NotificationTable names{table};
+    std::vector<std::string> names;
     for (std::size_t i = 0; i < standin::NotificationTable::maxNames; ++i) {
-        names.findOrAdd("name " + std::to_string(i));
+        names.push_back("name " + std::to_string(i));
     }
+    standin::NotificationTable::Words words;
+    for (const std::string& name : names) words.emplace_back(name, 0);
+    standin::NotificationTable::create(table, words);
     standin::Device device{{.root = folder.path() / "root",
                             .clock = standin::Clock::Kind::virtualTime,
                             .openModule = moduleOpener()}};

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tests/standin/on_a_device.h"
+#include "tests/support/no_room.h"
 
 namespace quillet::test {
 namespace {
@@ -45,13 +46,6 @@ void expectNoToken(int token) {
     EXPECT_EQ(notify_cancel(token), NOTIFY_STATUS_INVALID_TOKEN) << token;
     EXPECT_EQ(posted, untouched);
     EXPECT_EQ(word, std::uint64_t{untouched});
-}
-
-/// Names until there is no room for another one.
-void fillTable(NotificationTable& table) {
-    for (std::size_t i = 0; table.findOrAdd("name." + std::to_string(i)) != nullptr; ++i) {
-        ASSERT_LT(i, NotificationTable::maxNames);
-    }
 }
 
 class Notify : public OnADevice {};
@@ -201,9 +195,16 @@ TEST_F(Notify, NoNumberIsGivenTwice) {
 
 TEST_F(Notify, WithoutRoomNewNamesFailAndOldOnesGoOn) {
     tokenFor("a.name");
-    fillTable(device().notifications);
     int token = untouched;
-    EXPECT_EQ(notify_register_check("one.too.many", &token), NOTIFY_STATUS_FAILED);
+    {
+        const NoRoom noRoom;
+        int names = 0;
+        while (notify_register_check(std::to_string(names).c_str(), &token) == NOTIFY_STATUS_OK) {
+            ASSERT_LT(++names, 100);
+        }
+        token = untouched;
+        EXPECT_EQ(notify_register_check("one.too.many", &token), NOTIFY_STATUS_FAILED);
+    }
     EXPECT_EQ(token, untouched);
     EXPECT_EQ(notify_post("one.too.many"), NOTIFY_STATUS_OK);
 

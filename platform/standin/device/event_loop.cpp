@@ -2,6 +2,7 @@
 #include "platform/standin/device/event_loop.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace quillet::standin {
@@ -35,17 +36,20 @@ void EventLoop::runUntil(double limit) {
     turn();
     while (!isEnding() && clock_.now() < limit) {
         waitUntil(nextTime(limit));
+        if (std::isinf(limit) && !isServed()) break;
         turn();
     }
     if (--depth_ == 0) isStopped_ = false;
 }
 
+bool EventLoop::isServed() {
+    const bool isTime = ++looks_ % looksAtPlace == 0;
+    return !(isTime || observers_.isPending()) || table_.isInPlace();
+}
+
 void EventLoop::waitUntil(double time) {
-    if (!clock_.isVirtual()) {
-        table_.waitForPost(time - clock_.now(), [this] { return observers_.isPending(); });
-    } else if (!observers_.isPending()) {
-        clock_.advanceTo(time);
-    }
+    const double look = clock_.isVirtual() ? time : clock_.now() + betweenLooks;
+    if (!observers_.isPending()) clock_.advanceTo(std::min(time, look));
 }
 
 }  // namespace quillet::standin

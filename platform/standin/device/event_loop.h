@@ -30,7 +30,12 @@ public:
     /// meanwhile is left to the next turn.
     void turn();
 
-    /// Turns until `limit`, at least once, waiting in between for the next timer or post.
+    /// How long it sleeps at most without looking for posts, in seconds. Nobody wakes it: whoever
+    /// makes a post may die at once, and those who wait see it all the same.
+    static constexpr double betweenLooks = 0.07;
+
+    /// Turns until `limit`, at least once, waiting in between for the next timer or post. A wait
+    /// without limit also ends when the table is in its place no more: no post would end it.
     void runUntil(double limit);
 
     /// Has the outermost runUntil that is under way, the host's own, return when those inside it
@@ -43,6 +48,10 @@ private:
     Work takeDue(double now, std::uint64_t end);
     double nextTime(double limit) const;
     bool isEnding() const { return isStopped_ && depth_ == 1; }
+    /// Whether the table is in its place, for all that is known: asked before observers are called,
+    /// and about once a second.
+    bool isServed();
+    /// Until then, until the next look, or not at all while a post is pending.
     void waitUntil(double time);
 
     Clock& clock_;
@@ -51,6 +60,8 @@ private:
     /// By time, and by the number of adding where that is the same.
     std::map<std::pair<double, std::uint64_t>, Work> timers_;
     std::uint64_t added_ = 0;
+    static constexpr std::uint32_t looksAtPlace = 16;
+    std::uint32_t looks_ = 0;
     /// How many runUntil are under way, each inside the one before.
     int depth_ = 0;
     bool isStopped_ = false;

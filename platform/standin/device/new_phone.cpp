@@ -44,12 +44,8 @@ void fill(const fs::path& root, const std::vector<NewFile>& files) {
     for (const NewFile& file : files) write(root, file);
     write(place(root, DeviceRoot::graphicsServicesPath), "");
 
-    const fs::path path = place(root, DeviceRoot::notificationsPath);
-    NotificationTable::create(path);
-    NotificationTable table{path};
-    auto* const ringer = table.findOrAdd("com.apple.springboard.ringerstate");
-    if (ringer == nullptr) throw std::runtime_error(path.string() + ": cannot be locked");
-    ringer->state = 1;
+    NotificationTable::create(place(root, DeviceRoot::notificationsPath),
+                              {{"com.apple.springboard.ringerstate", 1}});
 }
 
 }  // namespace

@@ -2,128 +2,211 @@
 #include "platform/standin/notifications/notification_table.h"
 
 #include <fcntl.h>
-#include <linux/futex.h>
+#include <stdlib.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
-#include <cmath>
 #include <stdexcept>
+#include <string>
 #include <system_error>
 
 #include "platform/standin/files/file_lock.h"
 
 namespace quillet::standin {
 
+/// Behind the last name there always is an entry without one, where every search ends.
 struct NotificationTable::Layout {
-    static constexpr std::uint64_t mark = 0x314c424154595451;  // "QTYTABL1"
+    static constexpr char mark[sizeof(Entry)] = "Quillet notifications, form 2";
 
-    std::uint64_t markOfFile;
-    /// Entries in use. Stored last when one is added.
-    std::atomic<std::uint32_t> names;
-    /// Processes inside a wait. One that dies there stays counted, which costs posts a system call.
-    std::atomic<std::uint32_t> waiting;
-    /// What waits wait on; changes with every post that finds somebody waiting.
-    std::atomic<std::uint32_t> wakes;
-    Entry entries[maxNames];
+    char markOfFile[sizeof mark];
+    Entry entries[maxNames + 1];
 };
 
 namespace {
 
-static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
-static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
+/// Bytes of a file with that many entries, a multiple of what it grows by at a time.
+constexpr off_t sizeFor(std::size_t entries) {
+    constexpr std::size_t step = 64 * sizeof(NameEntry);
+    return static_cast<off_t>((sizeof(NameEntry) * (1 + entries) + step - 1) / step * step);
+}
 
 [[noreturn]] void fail(const std::filesystem::path& path) {
     throw std::system_error(errno, std::generic_category(), path.string());
 }
 
-[[noreturn]] void notATable(const std::filesystem::path& path) {
-    throw std::runtime_error(path.string() + ": not a table of notifications");
+[[noreturn]] void refuse(const std::filesystem::path& path, const char* reason) {
+    throw std::runtime_error(path.string() + ": " + reason);
 }
 
-/// The open file of a table, which has `size` bytes.
-int openTable(const std::filesystem::path& path, std::size_t size) {
-    Descriptor file{open(path.c_str(), O_RDWR | O_CLOEXEC)};
+struct stat statusOf(const Descriptor& file, const std::filesystem::path& path) {
     struct stat status = {};
     if (!file.isOpen() || fstat(file.number(), &status) != 0) fail(path);
-    if (status.st_size != static_cast<off_t>(size)) notATable(path);
+    return status;
+}
+
+bool isPrivate(const struct stat& status) {
+    return status.st_uid == geteuid() && (status.st_mode & 077) == 0;
+}
+
+bool isSame(const struct stat& one, const struct stat& other) {
+    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+/// The open file of a table. Nobody but its user could have opened it, or put it there.
+int openTable(const std::filesystem::path& path) {
+    const std::filesystem::path place = path.parent_path();
+    const Descriptor folder{open(place.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)};
+    const struct stat folderStatus = statusOf(folder, path);
+    constexpr int flags = O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    Descriptor file{openat(folder.number(), path.filename().c_str(), flags)};
+    const struct stat status = statusOf(file, path);
+    if (!S_ISREG(status.st_mode)) refuse(path, "not a table of notifications");
+    if (!isPrivate(status) || !isPrivate(folderStatus)) {
+        refuse(path, "must be the user's own and closed to others, and so must its folder");
+    }
     return file.release();
 }
 
-long futex(std::atomic<std::uint32_t>& word, int operation, std::uint32_t value,
-           const timespec* timeout) {
-    return syscall(SYS_futex, &word, operation, value, timeout, nullptr, 0);
+/// Sees to it that the disk has all blocks of that part, and makes the file longer if it is
+/// shorter.
+bool allocate(const Descriptor& file, off_t begin, off_t size) {
+    do {
+        errno = posix_fallocate(file.number(), begin, size);
+    } while (errno == EINTR);
+    return errno == 0;
 }
 
-timespec timeSpan(double seconds) {
-    const double whole = std::floor(std::clamp(seconds, 0.0, 1e9));
-    const double rest = std::clamp(seconds - whole, 0.0, 0.999999999);
-    return {static_cast<time_t>(whole), static_cast<long>(rest * 1e9)};
-}
+/// A file beside the place of a table, which goes with the object.
+class TableDraft {
+public:
+    explicit TableDraft(const std::filesystem::path& place)
+        : path_{place.parent_path() / ".quillet-XXXXXX"}, file_{mkostemp(path_.data(), O_CLOEXEC)} {
+        if (!file_.isOpen()) fail(place);
+    }
+    ~TableDraft() {
+        const int error = errno;
+        unlink(path_.c_str());
+        errno = error;
+    }
+    TableDraft(const TableDraft&) = delete;
+    TableDraft& operator=(const TableDraft&) = delete;
+
+    bool write(const std::vector<char>& bytes) const {
+        const auto size = static_cast<off_t>(bytes.size());
+        return allocate(file_, 0, size) && fchmod(file_.number(), 0600) == 0 &&
+               pwrite(file_.number(), bytes.data(), bytes.size(), 0) == size;
+    }
+    bool publish(const std::filesystem::path& place) const {
+        return link(path_.c_str(), place.c_str()) == 0;
+    }
+
+private:
+    std::string path_;
+    Descriptor file_;
+};
+
+/// Keeps everybody else from adding names to the table at `path`, if isHeld.
+class AddingTurn {
+public:
+    explicit AddingTurn(const std::filesystem::path& path)
+        : file_{open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC)},
+          lock_{file_.number()} {}
+
+    bool isHeld() const { return lock_.isHeld(); }
+
+private:
+    Descriptor file_;
+    FileLock lock_;
+};
 
 }  // namespace
 
-void NotificationTable::create(const std::filesystem::path& path) {
-    const Descriptor file{open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0644)};
-    if (!file.isOpen()) fail(path);
-    const std::uint64_t mark = Layout::mark;
-    const bool isWritten = ftruncate(file.number(), sizeof(Layout)) == 0 &&
-                           pwrite(file.number(), &mark, sizeof mark, 0) == ssize_t{sizeof mark};
-    if (isWritten) return;
-    const int error = errno;
-    unlink(path.c_str());
-    throw std::system_error(error, std::generic_category(), path.string());
+void NotificationTable::create(const std::filesystem::path& path, const Words& words) {
+    std::vector<char> bytes(static_cast<std::size_t>(sizeFor(words.size() + 1)));
+    auto& layout = *static_cast<Layout*>(static_cast<void*>(bytes.data()));
+    std::ranges::copy(Layout::mark, layout.markOfFile);
+    Entry* entry = layout.entries;
+    for (const auto& [name, word] : words) {
+        entry->state.store(word);
+        setName(*entry++, name);
+    }
+    const TableDraft draft{path};
+    const bool isMade =
+        chmod(path.parent_path().c_str(), 0700) == 0 && draft.write(bytes) && draft.publish(path);
+    if (!isMade) fail(path);
 }
 
 NotificationTable::NotificationTable(const std::filesystem::path& path)
-    : file_{openTable(path, sizeof(Layout))},
+    : path_{path},
+      file_{openTable(path)},
       mapping_{file_.number(), sizeof(Layout), path},
-      layout_{*static_cast<Layout*>(mapping_.memory())} {
-    if (layout_.markOfFile != Layout::mark) notATable(path);
+      layout_{*static_cast<Layout*>(mapping_.memory())},
+      extent_{statusOf(file_, path).st_size} {
+    // Once more if it has grown meanwhile: others may have filled what was room.
+    for (off_t checked = extent_; !isSound(extent_); checked = extent_) {
+        extent_ = statusOf(file_, path).st_size;
+        if (extent_ == checked) refuse(path, "not a table of notifications");
+    }
+}
+
+bool NotificationTable::isSound(std::int64_t size) const {
+    const auto bytes = static_cast<std::size_t>(size);
+    return bytes >= 2 * sizeof(Entry) && bytes <= sizeof(Layout) && bytes % sizeof(Entry) == 0 &&
+           std::ranges::equal(layout_.markOfFile, Layout::mark) &&
+           areSound({layout_.entries, bytes / sizeof(Entry) - 1});
+}
+
+NotificationTable::Place NotificationTable::search(std::string_view name, Entry* from) {
+    const std::uint32_t wanted = sealOf(name);
+    Entry* const last = layout_.entries + maxNames;
+    for (Entry* entry = from; entry != last; ++entry) {
+        const std::uint32_t seal = entry->seal.load();
+        if (seal == 0) return {entry, false};
+        if (seal == wanted && entry->view() == name) return {entry, true};
+    }
+    return {last, false};
 }
 
 NotificationTable::Entry* NotificationTable::find(std::string_view name) {
-    Entry* const end = layout_.entries + std::min<std::size_t>(layout_.names.load(), maxNames);
-    Entry* const entry = std::find_if(
-        layout_.entries, end, [&](const Entry& candidate) { return candidate.view() == name; });
-    return entry == end ? nullptr : entry;
+    const Place place = search(name, layout_.entries);
+    return place.hasName ? place.entry : nullptr;
 }
 
 NotificationTable::Entry* NotificationTable::findOrAdd(std::string_view name) {
-    if (name.size() > maxNameLength) return nullptr;
-    if (Entry* const entry = find(name)) return entry;
-    const FileLock lock{file_.number()};
-    if (!lock.isHeld()) return nullptr;
-    Entry* entry = find(name);
-    const std::uint32_t names = layout_.names.load();
-    if (entry == nullptr && names < maxNames) {
-        entry = &layout_.entries[names];
-        entry->length = static_cast<std::uint32_t>(name.copy(entry->name, maxNameLength));
-        layout_.names.store(names + 1);
-    }
-    return entry;
+    Place place = search(name, layout_.entries);
+    if (place.hasName) return place.entry;
+    if (name.empty() || name.size() > maxNameLength) return nullptr;
+    const AddingTurn turn{path_};
+    if (!turn.isHeld() || !isInPlace()) return nullptr;
+    place = search(name, place.entry);
+    if (!place.hasName && !setAt(place.entry, name)) return nullptr;
+    return place.entry;
 }
 
-void NotificationTable::post(Entry& entry) {
-    entry.posts.fetch_add(1);
-    if (layout_.waiting.load() == 0) return;
-    layout_.wakes.fetch_add(1);
-    futex(layout_.wakes, FUTEX_WAKE, INT_MAX, nullptr);
+bool NotificationTable::setAt(Entry* entry, std::string_view name) {
+    const auto index = static_cast<std::size_t>(entry - layout_.entries);
+    if (index == maxNames || !makeRoom(index)) return false;
+    setName(*entry, name);
+    return true;
 }
 
-void NotificationTable::waitForPost(double seconds, const std::function<bool()>& isPending) {
-    // Counted before the last look: a post that this look misses finds the count.
-    layout_.waiting.fetch_add(1);
-    const std::uint32_t wakes = layout_.wakes.load();
-    if (!isPending()) {
-        const timespec timeout = timeSpan(seconds);
-        futex(layout_.wakes, FUTEX_WAIT, wakes, &timeout);
-    }
-    layout_.waiting.fetch_sub(1);
+bool NotificationTable::makeRoom(std::size_t index) {
+    const auto begin = static_cast<off_t>(sizeof(Entry) * (1 + index));
+    const off_t end = sizeFor(index + 2);
+    if (!allocate(file_, begin, end - begin)) return false;
+    extent_ = std::max<std::int64_t>(extent_, end);
+    return true;
+}
+
+bool NotificationTable::isInPlace() const {
+    struct stat own = {};
+    struct stat found = {};
+    if (mapping_.isLost()) return false;
+    if (fstat(file_.number(), &own) != 0) return true;
+    if (lstat(path_.c_str(), &found) != 0) return errno != ENOENT && errno != ENOTDIR;
+    return isSame(own, found) && own.st_size >= extent_;
 }
 
 }  // namespace quillet::standin

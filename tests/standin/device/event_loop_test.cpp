@@ -217,6 +217,18 @@ TEST_F(Loop, ServesAPostThatAnObserverMakesAtThatTime) {
     EXPECT_THAT(times(), ElementsAre(0.25));
 }
 
+TEST_F(Loop, AnObserverThatACallbackAddsHearsOfLaterPostsOnly) {
+    device().observers.add("a.name", [this] {
+        if (device().observers.count() == 1) device().observers.add("a.name", noting("added"));
+    });
+    notify_post("a.name");
+    loop().turn();
+    EXPECT_THAT(notes(), ElementsAre());
+    notify_post("a.name");
+    loop().turn();
+    EXPECT_THAT(notes(), ElementsAre("added"));
+}
+
 TEST_F(Loop, RunUntilDateRunsUntilTheDateAndRecordsIt) {
     clock().advanceTo(2);
     loop().at(2.25, noting("inside"));

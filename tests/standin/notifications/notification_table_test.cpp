@@ -2,17 +2,21 @@
 #include "platform/standin/notifications/notification_table.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <stdexcept>
+#include <iterator>
 #include <string>
 #include <system_error>
+#include <vector>
 
+#include "tests/support/child.h"
 #include "tests/support/no_room.h"
+#include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/traced_work.h"
 
 namespace quillet::test {
 namespace {
@@ -30,21 +34,9 @@ protected:
         return NotificationTable{path()};
     }
 
-    void expectNoTable(const std::string& bytes) const {
-        std::ofstream{path(), std::ios::binary} << bytes;
-        EXPECT_THROW(NotificationTable table{path()}, std::runtime_error);
-        EXPECT_EQ(fs::file_size(path()), bytes.size());
-    }
-
 private:
     TemporaryFolder folder_;
 };
-
-double secondsOf(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 TEST_F(Table, ANewOneHasNoNames) {
     NotificationTable table = newTable();
@@ -64,20 +56,130 @@ TEST_F(Table, AnAddedNameIsFoundWhereItStaysAndBeginsAtZero) {
     EXPECT_EQ(table.findOrAdd("a.name"), entry);
 }
 
-TEST_F(Table, TakesAsManyNamesAsItSaysAndEachStaysWhatItWas) {
-    NotificationTable table = newTable();
-    for (std::size_t i = 0; i < NotificationTable::maxNames; ++i) {
-        NotificationTable::Entry* const entry = table.findOrAdd("name." + std::to_string(i));
-        ASSERT_NE(entry, nullptr) << i;
-        entry->state = i;
+/// As many names as there are in such a list, each with its number for a word.
+class Numbered {
+public:
+    explicit Numbered(std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) names_.push_back("name." + std::to_string(i));
+        for (std::size_t i = 0; i < count; ++i) words_.emplace_back(names_[i], i);
     }
+
+    const NotificationTable::Words& words() const { return words_; }
+
+    void expectIn(NotificationTable& table) const {
+        for (const auto& [name, word] : words_) {
+            NotificationTable::Entry* const entry = table.find(name);
+            ASSERT_NE(entry, nullptr) << name;
+            ASSERT_EQ(entry->state.load(), word) << name;
+        }
+    }
+
+private:
+    std::vector<std::string> names_;
+    NotificationTable::Words words_;
+};
+
+TEST_F(Table, IsMadeWithTheNamesAndWordsThatItIsGiven) {
+    const Numbered names{100};
+    NotificationTable::create(path(), names.words());
+    NotificationTable table{path()};
+    names.expectIn(table);
+    EXPECT_NE(table.findOrAdd("one.more"), nullptr);
+}
+
+TEST_F(Table, GrowsWithItsNamesAndAllItsBlocksAreThere) {
+    NotificationTable table = newTable();
+    const Numbered names{1000};
+    for (const auto& [name, word] : names.words()) {
+        NotificationTable::Entry* const entry = table.findOrAdd(name);
+        ASSERT_NE(entry, nullptr) << name;
+        entry->state = word;
+        struct stat status = {};
+        ASSERT_EQ(stat(path().c_str(), &status), 0);
+        ASSERT_GE(status.st_blocks * 512, status.st_size) << name;
+    }
+    names.expectIn(table);
+    NotificationTable again{path()};
+    names.expectIn(again);
+}
+
+TEST_F(Table, IsGrownByOneAndReadByAnotherThatMappedItBefore) {
+    NotificationTable reader = newTable();
+    NotificationTable writer{path()};
+    const Numbered names{200};
+    for (const auto& [name, word] : names.words()) writer.findOrAdd(name)->state = word;
+    names.expectIn(reader);
+}
+
+TEST_F(Table, TakesAsManyNamesAsItSaysAndNoMore) {
+    const Numbered names{NotificationTable::maxNames};
+    const NotificationTable::Words allButOne{names.words().begin(), names.words().end() - 1};
+    NotificationTable::create(path(), allButOne);
+    NotificationTable table{path()};
+    EXPECT_NE(table.findOrAdd("the.last"), nullptr);
     EXPECT_EQ(table.findOrAdd("one.too.many"), nullptr);
     EXPECT_EQ(table.find("one.too.many"), nullptr);
-    for (std::size_t i = 0; i < NotificationTable::maxNames; ++i) {
-        NotificationTable::Entry* const entry = table.find("name." + std::to_string(i));
-        ASSERT_NE(entry, nullptr) << i;
-        EXPECT_EQ(entry->state.load(), i);
+    EXPECT_EQ(table.find("name.0")->state.load(), 0U);
+    EXPECT_NE(NotificationTable{path()}.find("the.last"), nullptr);
+}
+
+TEST_F(Table, WithoutRoomOnTheDiskRefusesNewNamesAndKeepsTheOld) {
+    NotificationTable table = newTable();
+    table.findOrAdd("a.name")->state = 7;
+    {
+        const NoRoom noRoom;
+        for (std::size_t i = 0; table.findOrAdd("name." + std::to_string(i)) != nullptr; ++i) {
+            ASSERT_LT(i, 100U);
+        }
+        EXPECT_EQ(NotificationTable{path()}.find("a.name")->state.load(), 7U);
     }
+    EXPECT_NE(table.findOrAdd("later"), nullptr);
+    EXPECT_TRUE(table.isInPlace());
+}
+
+TEST_F(Table, TenThousandNamesInTurnAreTakenThoughEachTakerDies) {
+    newTable();
+    for (int process = 0; process < 20; ++process) {
+        Child taker{[&] {
+            NotificationTable table{path()};
+            for (int i = 0; i < 500; ++i) {
+                const std::string name = std::to_string(process) + "." + std::to_string(i);
+                if (table.findOrAdd(name) == nullptr) return 1;
+            }
+            kill(getpid(), SIGKILL);
+            return 0;
+        }};
+        ASSERT_EQ(taker.wait(), -SIGKILL) << process;
+    }
+    NotificationTable table{path()};
+    EXPECT_NE(table.find("0.0"), nullptr);
+    EXPECT_NE(table.find("19.499"), nullptr);
+}
+
+TEST_F(Table, LeavesNoDescriptorAndNoMapping) {
+    const auto open = [] {
+        const fs::directory_iterator files{"/proc/self/fd"};
+        return std::distance(fs::begin(files), fs::end(files));
+    };
+    newTable();
+    const auto before = open();
+    for (int i = 0; i < 200; ++i) {
+        NotificationTable table{path()};
+        ASSERT_NE(table.findOrAdd("name." + std::to_string(i)), nullptr);
+    }
+    EXPECT_EQ(open(), before);
+    EXPECT_EQ(readText("/proc/self/maps").find(path()), std::string::npos);
+}
+
+TEST_F(Table, APostIsNoSystemCall) {
+    NotificationTable table = newTable();
+    NotificationTable::Entry& entry = *table.findOrAdd("a.name");
+    EXPECT_EQ(systemCallsOf([&] {
+                  table.post("a.name");
+                  table.post("nobody.knows");
+              }).size(),
+              0U);
+    EXPECT_EQ(entry.posts.load(), 1U) << "the trace was of what it should be";
 }
 
 TEST_F(Table, ANameThatIsTooLongIsNotCutButRefused) {
@@ -86,6 +188,11 @@ TEST_F(Table, ANameThatIsTooLongIsNotCutButRefused) {
     EXPECT_EQ(table.findOrAdd(longest + "n"), nullptr);
     EXPECT_EQ(table.find(longest), nullptr);
     EXPECT_NE(table.findOrAdd(longest), nullptr);
+}
+
+TEST_F(Table, AnEmptyNameIsRefused) {
+    NotificationTable table = newTable();
+    EXPECT_EQ(table.findOrAdd(""), nullptr);
 }
 
 TEST_F(Table, KeepsItsNamesAndWordsWhenItIsMappedAgain) {
@@ -119,49 +226,6 @@ TEST_F(Table, IsNotCreatedWhereItCannotBeWritten) {
 
 TEST_F(Table, AFileThatIsNotThereCannotBeMapped) {
     EXPECT_THROW(NotificationTable table{path()}, std::system_error);
-}
-
-TEST_F(Table, AFileThatIsNoTableIsRefusedAndLeftAsItIs) {
-    expectNoTable("");
-    expectNoTable("some text\n");
-    const fs::path other = folder() / "other";
-    NotificationTable::create(other);
-    expectNoTable(std::string(fs::file_size(other), 'x'));
-}
-
-TEST_F(Table, AFolderIsNoTable) {
-    fs::create_directory(path());
-    EXPECT_THROW(NotificationTable table{path()}, std::runtime_error);
-}
-
-TEST_F(Table, AWaitWithoutAPostTakesItsTime) {
-    NotificationTable table = newTable();
-    EXPECT_GE(secondsOf([&] { table.waitForPost(0.05, [] { return false; }); }), 0.049);
-}
-
-TEST_F(Table, AWaitForNoTimeOrLessReturnsAtOnce) {
-    NotificationTable table = newTable();
-    for (const double seconds : {0.0, -1.0}) {
-        EXPECT_LT(secondsOf([&] { table.waitForPost(seconds, [] { return false; }); }), 5)
-            << seconds;
-    }
-}
-
-TEST_F(Table, AWaitReturnsAtOnceWhenSomethingIsPending) {
-    NotificationTable table = newTable();
-    EXPECT_LT(secondsOf([&] { table.waitForPost(60, [] { return true; }); }), 5);
-}
-
-TEST_F(Table, APostAfterTheLastLookIsNotMissed) {
-    NotificationTable table = newTable();
-    NotificationTable::Entry& entry = *table.findOrAdd("a.name");
-    EXPECT_LT(secondsOf([&] {
-                  table.waitForPost(60, [&] {
-                      table.post(entry);
-                      return false;
-                  });
-              }),
-              5);
 }
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "platform/notify.h"
 #include "platform/standin/device/device.h"
 #include "tests/support/child.h"
+#include "tests/support/real_time.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
@@ -96,23 +97,6 @@ TEST_F(TwoProcesses, AnObserverInEachIsCalledByOnePost) {
     EXPECT_EQ(other.wait(), 0);
 }
 
-TEST_F(TwoProcesses, AWaitEndsWithThePostOfAnother) {
-    Gate ready;
-    Child waiting{[&] {
-        NotificationTable table{tablePath()};
-        NotificationTable::Entry& entry = *table.findOrAdd(name);
-        table.waitForPost(60, [&] {
-            ready.open();
-            return false;
-        });
-        return entry.posts.load() == 1 ? 0 : 1;
-    }};
-    ASSERT_TRUE(ready.pass());
-    NotificationTable table{tablePath()};
-    table.post(*table.find(name));
-    EXPECT_EQ(waiting.wait(), 0);
-}
-
 TEST_F(TwoProcesses, AWordThatOneWritesIsReadByTheOther) {
     Gate written;
     Gate answered;
@@ -151,38 +135,20 @@ TEST_F(TwoProcesses, ACheckFindsThePostOfTheOther) {
     EXPECT_EQ(posted, 1);
 }
 
-TEST_F(TwoProcesses, OneThatIsKilledInsideAWaitHoldsUpNobody) {
+TEST_F(TwoProcesses, TwoThatWaitBothSeeOnePost) {
     Gate ready;
-    Child killed{[&] {
-        NotificationTable table{tablePath()};
-        table.findOrAdd(name);
-        for (;;) {
-            table.waitForPost(60, [&] {
-                ready.open();
-                return false;
-            });
-        }
-        return 0;
-    }};
-    ASSERT_TRUE(ready.pass());
-    killed.kill();
-    EXPECT_EQ(killed.wait(), -SIGKILL);
-
-    Gate readyAgain;
-    Child waiting{[&] {
-        NotificationTable table{tablePath()};
-        table.waitForPost(60, [&] {
-            readyAgain.open();
-            return false;
-        });
-        return 0;
-    }};
-    ASSERT_TRUE(readyAgain.pass());
-    NotificationTable table{tablePath()};
-    NotificationTable::Entry& entry = *table.findOrAdd(name);
-    for (int i = 0; i < 3; ++i) table.post(entry);
-    EXPECT_EQ(entry.posts.load(), 3U);
-    EXPECT_EQ(waiting.wait(), 0);
+    const auto watch = [&] {
+        Observing observing{root()};
+        ready.open();
+        return observing.isCalled() ? 0 : 1;
+    };
+    Child one{watch};
+    Child other{watch};
+    ASSERT_TRUE(ready.pass() && ready.pass());
+    Device device{{.root = root()}};
+    notify_post(name);
+    EXPECT_EQ(one.wait(), 0);
+    EXPECT_EQ(other.wait(), 0);
 }
 
 TEST_F(TwoProcesses, OneThatIsKilledWithTheLockLetsTheNextOneAddItsName) {
@@ -213,6 +179,24 @@ TEST_F(TwoProcesses, OneThatIsKilledWithTheLockLetsTheNextOneAddItsName) {
     EXPECT_EQ(holder.wait(), -SIGKILL);
     EXPECT_EQ(adder.wait(), 0);
     EXPECT_NE(table.find("added.later"), nullptr);
+}
+
+TEST_F(TwoProcesses, OneThatStandsStillWithTheLockHoldsUpNobodyForLong) {
+    Gate locked;
+    Child holder{[&] {
+        const int file = open(tablePath().c_str(), O_RDWR);
+        if (flock(file, LOCK_EX) != 0) return 1;
+        locked.open();
+        for (;;) pause();
+    }};
+    ASSERT_TRUE(locked.pass());
+    Device device{{.root = root()}};
+    int token = NOTIFY_TOKEN_INVALID;
+    const double start = realNow();
+    EXPECT_EQ(notify_register_check("a.new.name", &token), NOTIFY_STATUS_FAILED);
+    EXPECT_LT(realNow() - start, 5);
+    EXPECT_EQ(notify_register_check("com.apple.springboard.ringerstate", &token), NOTIFY_STATUS_OK)
+        << "which is there already";
 }
 
 TEST_F(TwoProcesses, ANameThatOneAddsIsSeenWholeByTheOther) {
@@ -264,10 +248,6 @@ TEST_F(TwoProcesses, ManyThatAddTheSameNamesAtOnceEndWithEachNameOnce) {
         ASSERT_NE(entry, nullptr) << i;
         EXPECT_EQ(entry->state.load(), std::uint64_t{processes}) << i;
     }
-    // The rest of the table is free, but for the ringer state's own name.
-    std::size_t more = 0;
-    while (table.findOrAdd("more." + std::to_string(more)) != nullptr) ++more;
-    EXPECT_EQ(more, NotificationTable::maxNames - names - 1);
 }
 
 }  // namespace
