@@ -19,8 +19,8 @@ inline constexpr int NOTIFY_TOKEN_INVALID = -1;
 
 extern "C" {
 
-// No function here calls back or waits for another process's answer to a post. None may be given a
-// null pointer.
+// No function here calls back or waits for another process's answer to a post. Each may be called
+// from any thread. None may be given a null pointer.
 
 /// Takes a token of this process for `name`: NOTIFY_STATUS_OK, or NOTIFY_STATUS_INVALID_NAME for a
 /// name that the service does not take, an empty one for example, or NOTIFY_STATUS_FAILED when the

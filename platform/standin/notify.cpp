@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/notify.h"
 
+#include <cstdio>
+#include <memory>
+
 #include "platform/standin/device/device.h"
 
 namespace quillet {
@@ -12,7 +15,7 @@ using standin::TraceValue;
 
 namespace {
 
-uint32_t statusOf(const Subscription* token) {
+uint32_t statusOf(const std::shared_ptr<Subscription>& token) {
     return token == nullptr ? NOTIFY_STATUS_INVALID_TOKEN : NOTIFY_STATUS_OK;
 }
 
@@ -27,6 +30,9 @@ TraceValue left(bool isSet, const Value& value) {
 uint32_t notify_register_check(const char* name, int* outToken) {
     Device& device = Device::current();
     const uint32_t status = device.tokens.take(name, *outToken);
+    if (status == NOTIFY_STATUS_FAILED) {
+        std::fprintf(stderr, "\"%s\" cannot be registered: the service does not take it\n", name);
+    }
     device.trace.function("notify_register_check", name,
                           left(status == NOTIFY_STATUS_OK, *outToken), Answer{status});
     return status;
@@ -34,7 +40,7 @@ uint32_t notify_register_check(const char* name, int* outToken) {
 
 uint32_t notify_check(int token, int* outCheck) {
     Device& device = Device::current();
-    Subscription* const found = device.tokens.find(token);
+    const auto found = device.tokens.find(token);
     if (found != nullptr) *outCheck = found->check();
     device.trace.function("notify_check", token, left(found != nullptr, *outCheck),
                           Answer{statusOf(found)});
@@ -43,7 +49,7 @@ uint32_t notify_check(int token, int* outCheck) {
 
 uint32_t notify_get_state(int token, uint64_t* outState) {
     Device& device = Device::current();
-    const Subscription* const found = device.tokens.find(token);
+    const auto found = device.tokens.find(token);
     if (found != nullptr) *outState = found->entry().state.load();
     device.trace.function("notify_get_state", token, left(found != nullptr, *outState),
                           Answer{statusOf(found)});
@@ -52,7 +58,7 @@ uint32_t notify_get_state(int token, uint64_t* outState) {
 
 uint32_t notify_set_state(int token, uint64_t state) {
     Device& device = Device::current();
-    const Subscription* const found = device.tokens.find(token);
+    const auto found = device.tokens.find(token);
     if (found != nullptr) found->entry().state.store(state);
     device.trace.function("notify_set_state", token, state, Answer{statusOf(found)});
     return statusOf(found);

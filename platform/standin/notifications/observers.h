@@ -3,7 +3,9 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/standin/notifications/notification_table.h"
@@ -11,7 +13,8 @@
 
 namespace quillet::standin {
 
-/// The observers of this process, and the posts that they have not been told of yet.
+/// The observers of this process, and the posts that they have not been told of yet. Any thread may
+/// add observers; all else is for the one that delivers.
 class Observers {
 public:
     using Callback = std::function<void()>;
@@ -31,19 +34,26 @@ public:
     /// observers and deliver to others.
     void deliver();
 
-    std::size_t count() const { return registrations_.size(); }
+    std::size_t count() const;
 
     /// Forgets all but the first `count`, in the order of adding.
     void keepFirst(std::size_t count);
 
 private:
     struct Registration {
+        Registration(NotificationTable::Entry& entry, Callback work)
+            : subscription{entry, Subscription::Seen::upToNow}, callback{std::move(work)} {}
+
         Subscription subscription;
         Callback callback;
     };
 
+    /// Null when there are not so many.
+    std::shared_ptr<Registration> at(std::size_t index) const;
+
     NotificationTable& table_;
-    std::vector<Registration> registrations_;
+    /// Under the ProcessLock.
+    std::vector<std::shared_ptr<Registration>> registrations_;
 };
 
 }  // namespace quillet::standin

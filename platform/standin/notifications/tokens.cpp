@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/notifications/tokens.h"
 
+#include <utility>
+
 #include "platform/notify.h"
+#include "platform/standin/notifications/process_lock.h"
 
 namespace quillet::standin {
 
@@ -12,14 +15,27 @@ std::uint32_t Tokens::take(std::string_view name, int& token) {
     }
     NotificationTable::Entry* const entry = table_.findOrAdd(name);
     if (entry == nullptr) return NOTIFY_STATUS_FAILED;
+    auto subscription = std::make_shared<Subscription>(*entry, Subscription::Seen::none);
+    const ProcessLock lock;
     token = next_++;
-    tokens_.emplace(token, Subscription{*entry, Subscription::Seen::none});
+    tokens_.emplace(token, std::move(subscription));
     return NOTIFY_STATUS_OK;
 }
 
-Subscription* Tokens::find(int token) {
+std::shared_ptr<Subscription> Tokens::find(int token) const {
+    const ProcessLock lock;
     const auto found = tokens_.find(token);
-    return found == tokens_.end() ? nullptr : &found->second;
+    return found == tokens_.end() ? nullptr : found->second;
+}
+
+bool Tokens::cancel(int token) {
+    const ProcessLock lock;
+    return tokens_.erase(token) != 0;
+}
+
+std::size_t Tokens::count() const {
+    const ProcessLock lock;
+    return tokens_.size();
 }
 
 }  // namespace quillet::standin

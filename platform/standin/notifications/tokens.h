@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string_view>
 
 #include "platform/standin/notifications/notification_table.h"
@@ -11,7 +13,7 @@
 
 namespace quillet::standin {
 
-/// The notification tokens of this process. A token's number is never given twice.
+/// The notification tokens of this process. A token's number is never given twice. For any thread.
 class Tokens {
 public:
     explicit Tokens(NotificationTable& table) : table_{table} {}
@@ -20,21 +22,22 @@ public:
     /// token finds something.
     std::uint32_t take(std::string_view name, int& token);
 
-    /// Null for a number that is no token. Owned by the tokens, until it is cancelled.
-    Subscription* find(int token);
+    /// Null for a number that is no token. What was found outlives the token's cancelling.
+    std::shared_ptr<Subscription> find(int token) const;
 
-    bool cancel(int token) { return tokens_.erase(token) != 0; }
+    bool cancel(int token);
 
-    std::size_t count() const { return tokens_.size(); }
+    std::size_t count() const;
 
     /// From now on every registration fails, as when the service cannot be reached.
     void refuse(bool refusing) { refusing_ = refusing; }
 
 private:
     NotificationTable& table_;
-    std::map<int, Subscription> tokens_;
+    /// Both under the ProcessLock.
+    std::map<int, std::shared_ptr<Subscription>> tokens_;
     int next_ = 0;
-    bool refusing_ = false;
+    std::atomic<bool> refusing_ = false;
 };
 
 }  // namespace quillet::standin

@@ -199,6 +199,36 @@ TEST_F(TwoProcesses, OneThatStandsStillWithTheLockHoldsUpNobodyForLong) {
         << "which is there already";
 }
 
+TEST_F(TwoProcesses, ForkedOnesAndTheirThreadsLoseNoNameThatTheyAdd) {
+    constexpr int processes = 4;
+    constexpr int names = 1200;
+    Device device{{.root = root()}};
+    const auto nameOf = [](int process, int thread, int i) {
+        return std::to_string(process) + "." + std::to_string(thread) + "." + std::to_string(i);
+    };
+    // The device of this process, with all that it holds open, is theirs too.
+    const auto add = [&](int process, int thread) {
+        for (int i = 0; i < names; ++i) tokenOf(nameOf(process, thread, i).c_str());
+    };
+    std::vector<std::unique_ptr<Child>> adders;
+    for (int process = 0; process < processes; ++process) {
+        adders.push_back(std::make_unique<Child>([&, process] {
+            std::thread other{[&] { add(process, 1); }};
+            add(process, 0);
+            other.join();
+            return device.tokens.count() == 2 * names ? 0 : 1;
+        }));
+    }
+    for (const auto& adder : adders) EXPECT_EQ(adder->wait(), 0);
+    EXPECT_EQ(device.tokens.count(), 0U);
+
+    NotificationTable table{tablePath()};
+    for (int i = 0; i < processes * 2 * names; ++i) {
+        const std::string one = nameOf(i / 2 / names, i / names % 2, i % names);
+        ASSERT_NE(table.find(one), nullptr) << one;
+    }
+}
+
 TEST_F(TwoProcesses, ANameThatOneAddsIsSeenWholeByTheOther) {
     constexpr int names = 200;
     const auto longName = [](int i) { return std::string(200, 'n') + std::to_string(i); };

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <mutex>
+
+namespace quillet::standin {
+
+/// Guards what this process keeps of the notification service against its own threads, for as long
+/// as the object lives. No callback and no wait may be inside. A process that forks does so while
+/// no other thread is: its child finds all of it whole, and free. See pthread_atfork(3).
+class ProcessLock {
+public:
+    ProcessLock();
+
+private:
+    std::lock_guard<std::mutex> lock_;
+};
+
+}  // namespace quillet::standin
