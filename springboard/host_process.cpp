@@ -62,6 +62,11 @@ void HostProcess::print(FSSwitchState state) const {
     std::cout << (json_ ? toLine({{"state", word}}) : word) << std::endl;
 }
 
+void HostProcess::checkService() const {
+    if (device_.notifications.isInPlace()) return;
+    throw std::runtime_error("the notification service was removed, replaced or damaged meanwhile");
+}
+
 void HostProcess::checkOutput() const {
     if (!std::cout) throw std::runtime_error("standard output cannot be written");
     if (trace_ != nullptr && !*trace_) throw std::runtime_error("the trace cannot be written");
@@ -70,6 +75,7 @@ void HostProcess::checkOutput() const {
 FSSwitchState HostProcess::state() const { return switch_->stateForSwitchIdentifier(identifier()); }
 
 void HostProcess::report(FSSwitchState state) const {
+    checkService();
     print(state);
     checkOutput();
 }
@@ -112,6 +118,7 @@ void HostProcess::watch() {
         if (!std::cout || !traceFile_) device_.eventLoop.stop();
     });
     device_.eventLoop.runUntil(std::numeric_limits<double>::infinity());
+    checkService();
     checkOutput();
 }
 

@@ -33,6 +33,8 @@ private:
     /// Answers the state afterwards.
     FSSwitchState send(std::optional<std::int32_t> state);
     void print(FSSwitchState state) const;
+    /// Throws std::runtime_error when the notification service is not what others have any more.
+    void checkService() const;
     /// Throws std::runtime_error when something that was printed or traced could not be written.
     void checkOutput() const;
     /// Both.
