@@ -20,6 +20,7 @@ public:
 
     void kill();
     bool isRunning();
+    pid_t number() const { return process_; }
     /// The exit status; the negative number of the signal when one ended the process.
     int wait();
 
