@@ -67,13 +67,18 @@ void judge(const Laboratory& laboratory, const Run& run, const std::string& faul
     }
 }
 
-/// Place after place, until there is none. There are a thousand allocations: when brief, few of
-/// them.
+/// How far a fault moves from place to place. When brief, few of a thousand allocations are tried,
+/// and fewer calls that fail from there on, since those are much alike.
+long stepOf(const Fault& fault, Extent extent) {
+    if (extent != Extent::brief) return 1;
+    if (fault.kind == Fault::Kind::allocation) return 97;
+    return fault.isForEver ? 3 : 1;
+}
+
+/// Place after place, until there is none.
 void tryAll(Laboratory& laboratory, Fault fault, Extent extent, Tally& tally) {
-    constexpr long few = 17;
     const bool isCall = fault.kind == Fault::Kind::call;
-    const long step = extent == Extent::brief && !isCall ? few : 1;
-    for (;; fault.place += step) {
+    for (;; fault.place += stepOf(fault, extent)) {
         const Run run = laboratory.run({fault});
         if (run.injuries.empty() && !run.isLate) return;
         tally.tried((isCall ? "system calls failed, of " : "allocations failed, of ") +

@@ -2,7 +2,6 @@
 #include "platform/standin/notifications/notification_table.h"
 
 #include <fcntl.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,6 +11,8 @@
 #include <string>
 #include <system_error>
 
+#include "platform/standin/files/draft.h"
+#include "platform/standin/files/file.h"
 #include "platform/standin/files/file_lock.h"
 
 namespace quillet::standin {
@@ -71,41 +72,19 @@ int openTable(const std::filesystem::path& path) {
 
 /// Sees to it that the disk has all blocks of that part, and makes the file longer if it is
 /// shorter.
-bool allocate(const Descriptor& file, off_t begin, off_t size) {
+bool allocate(int file, off_t begin, off_t size) {
     do {
-        errno = posix_fallocate(file.number(), begin, size);
+        errno = posix_fallocate(file, begin, size);
     } while (errno == EINTR);
     return errno == 0;
 }
 
-/// A file beside the place of a table, which goes with the object.
-class TableDraft {
-public:
-    explicit TableDraft(const std::filesystem::path& place)
-        : path_{place.parent_path() / ".quillet-XXXXXX"}, file_{mkostemp(path_.data(), O_CLOEXEC)} {
-        if (!file_.isOpen()) fail(place);
-    }
-    ~TableDraft() {
-        const int error = errno;
-        unlink(path_.c_str());
-        errno = error;
-    }
-    TableDraft(const TableDraft&) = delete;
-    TableDraft& operator=(const TableDraft&) = delete;
-
-    bool write(const std::vector<char>& bytes) const {
-        const auto size = static_cast<off_t>(bytes.size());
-        return allocate(file_, 0, size) && fchmod(file_.number(), 0600) == 0 &&
-               pwrite(file_.number(), bytes.data(), bytes.size(), 0) == size;
-    }
-    bool publish(const std::filesystem::path& place) const {
-        return link(path_.c_str(), place.c_str()) == 0;
-    }
-
-private:
-    std::string path_;
-    Descriptor file_;
-};
+/// Makes `bytes` all that is in a new file, its blocks taken and closed to others.
+bool fill(const Draft& draft, const std::vector<char>& bytes) {
+    const auto size = static_cast<off_t>(bytes.size());
+    return allocate(draft.descriptor(), 0, size) && fchmod(draft.descriptor(), 0600) == 0 &&
+           pwrite(draft.descriptor(), bytes.data(), bytes.size(), 0) == size;
+}
 
 /// Keeps everybody else from adding names to the table at `path`, if isHeld.
 class AddingTurn {
@@ -132,9 +111,13 @@ void NotificationTable::create(const std::filesystem::path& path, const Words& w
         entry->state.store(word);
         setName(*entry++, name);
     }
-    const TableDraft draft{path};
-    const bool isMade =
-        chmod(path.parent_path().c_str(), 0700) == 0 && draft.write(bytes) && draft.publish(path);
+    if (mayExist(path)) {
+        errno = EEXIST;
+        fail(path);
+    }
+    Draft draft{path.parent_path(), Draft::Kind::file, 0600};
+    const bool isMade = draft.isMade() && chmod(path.parent_path().c_str(), 0700) == 0 &&
+                        fill(draft, bytes) && draft.publish(path);
     if (!isMade) fail(path);
 }
 
@@ -195,7 +178,7 @@ bool NotificationTable::setAt(Entry* entry, std::string_view name) {
 bool NotificationTable::makeRoom(std::size_t index) {
     const auto begin = static_cast<off_t>(sizeof(Entry) * (1 + index));
     const off_t end = sizeFor(index + 2);
-    if (!allocate(file_, begin, end - begin)) return false;
+    if (!allocate(file_.number(), begin, end - begin)) return false;
     extent_ = std::max<std::int64_t>(extent_, end);
     return true;
 }

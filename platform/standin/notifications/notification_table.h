@@ -34,7 +34,8 @@ public:
 
     /// Writes the file of a table that holds `words` by their names, each once and of a length that
     /// a name may have; they are maxNames at most. It appears whole or not at all, with all its
-    /// blocks, and its folder is made the user's alone. Throws std::system_error.
+    /// blocks, and its folder is made the user's alone. Throws std::system_error, also when
+    /// something is at `path`.
     static void create(const std::filesystem::path& path, const Words& words = {});
 
     /// Maps the table at `path`. Throws std::system_error, or std::runtime_error when the file is
