@@ -10,6 +10,7 @@
 
 #include "platform/notify.h"
 #include "tests/standin/on_a_device.h"
+#include "tests/support/no_room.h"
 
 namespace quillet::test {
 namespace {
@@ -190,6 +191,7 @@ TEST_F(Center, ANameWithoutRoomOrTooLongIsNotObserved) {
     observe(longest + "n", work);
     EXPECT_EQ(table.find(longest), nullptr);
 
+    const NoRoom noRoom;
     for (int i = 0; table.findOrAdd("name." + std::to_string(i)) != nullptr;) ++i;
     observe("one.too.many", work);
     notify_post("one.too.many");
