@@ -216,7 +216,7 @@ TEST_F(TwoProcesses, ForkedOnesAndTheirThreadsLoseNoNameThatTheyAdd) {
             std::thread other{[&] { add(process, 1); }};
             add(process, 0);
             other.join();
-            return device.tokens.count() == 2 * names ? 0 : 1;
+            return device.tokens.count() == std::size_t{2} * names ? 0 : 1;
         }));
     }
     for (const auto& adder : adders) EXPECT_EQ(adder->wait(), 0);
