@@ -3,7 +3,7 @@
 
 #include <charconv>
 
-#include "springboard/usage_error.h"
+#include "program/usage_error.h"
 
 namespace quillet {
 

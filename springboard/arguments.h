@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "platform/standin/device/host_variant.h"
-#include "springboard/terminal.h"
+#include "program/terminal.h"
 #include "springboard/trace_format.h"
 
 namespace quillet {

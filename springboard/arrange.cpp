@@ -2,11 +2,12 @@
 #include "springboard/arrange.h"
 
 #include <algorithm>
+#include <limits>
 #include <string_view>
 #include <utility>
 
-#include "springboard/suggestion.h"
-#include "springboard/usage_error.h"
+#include "program/suggestion.h"
+#include "program/usage_error.h"
 
 namespace quillet {
 
@@ -21,24 +22,31 @@ bool isOption(std::string_view word) {
     return word.starts_with('-') && word != "-" && !isNumber;
 }
 
-/// The option of that name, or else the only one whose long name begins so.
-const CLI::Option* find(const CLI::App& app, const std::string& name) {
-    std::vector<const CLI::Option*> candidates;
-    for (const CLI::Option* const option : app.get_options()) {
-        if (option->get_positional()) continue;
-        if (option->check_name(name)) return option;
-        if (("--" + option->get_lnames().front()).starts_with(name)) candidates.push_back(option);
+std::string longName(const CLI::Option& option) { return "--" + option.get_lnames().front(); }
+
+/// The options that may stand behind `command`: its own, and those of what it belongs to.
+std::vector<const CLI::Option*> optionsAt(const CLI::App* command) {
+    std::vector<const CLI::Option*> options;
+    for (; command != nullptr; command = command->get_parent()) {
+        for (const CLI::Option* const option : command->get_options()) {
+            if (!option->get_positional()) options.push_back(option);
+        }
     }
-    return candidates.size() == 1 ? candidates.front() : nullptr;
+    return options;
 }
 
-const CLI::Option& optionOf(const CLI::App& app, const std::string& word) {
+/// The option that `word` begins with: of that name, or else the only one whose long name begins
+/// so.
+const CLI::Option& optionOf(const CLI::App& command, const std::string& word) {
     const std::string name = word.substr(0, word.find('='));
-    if (const CLI::Option* const option = find(app, name)) return *option;
+    std::vector<const CLI::Option*> candidates;
     Words known;
-    for (const CLI::Option* const option : app.get_options()) {
-        known.push_back("--" + option->get_lnames().front());
+    for (const CLI::Option* const option : optionsAt(&command)) {
+        if (option->check_name(name)) return *option;
+        known.push_back(longName(*option));
+        if (known.back().starts_with(name)) candidates.push_back(option);
     }
+    if (candidates.size() == 1) return *candidates.front();
     throw UsageError("no such option: " + inQuotes(word) + suggestion(name, known));
 }
 
@@ -59,6 +67,12 @@ std::vector<const CLI::Option*> placesOf(const CLI::App& command) {
 }
 
 bool isFlag(const CLI::Option& option) { return option.get_items_expected_max() == 0; }
+
+/// How many words a command takes at most.
+std::size_t roomOf(const std::vector<const CLI::Option*>& places) {
+    const bool isOpen = !places.empty() && places.back()->get_items_expected_max() > 1;
+    return isOpen ? std::numeric_limits<std::size_t>::max() : places.size();
+}
 
 class Arranger {
 public:
@@ -83,9 +97,9 @@ public:
 private:
     /// Takes the option at `word`, and its argument if that stands behind it. Answers what follows.
     Position addOption(Position word, Position end) {
-        const CLI::Option& option = optionOf(app_, *word);
+        const CLI::Option& option = optionOf(*command_, *word);
         const std::size_t sign = word->find('=');
-        options_.push_back("--" + option.get_lnames().front());
+        options_.push_back(longName(option));
         if (sign != std::string::npos) {
             addJoined(option, *word, word->substr(sign + 1));
         } else if (option.get_type_name() == optionalFile) {
@@ -108,11 +122,10 @@ private:
 
     /// Whether the option at `word` has the name of a command, which then takes the line over.
     bool replacesCommand(const std::string& word) {
-        const std::string& name = optionOf(app_, word).get_lnames().front();
+        const std::string& name = optionOf(*command_, word).get_lnames().front();
         const CLI::App* const command = findCommand(app_, name);
         if (command == nullptr || word.find('=') != std::string::npos) return false;
-        const bool takesCommand = !placesOf(*command).empty() && command_ != &app_;
-        words_ = takesCommand ? Words{command_->get_name()} : Words{};
+        words_ = placesOf(*command).empty() ? Words{} : commands_;
         commands_ = {name};
         command_ = command;
         return true;
@@ -129,9 +142,11 @@ private:
     }
 
     void checkWords() const {
-        if (command_ == &app_ && !words_.empty()) commandNamed(app_, words_.front());
         const auto places = placesOf(*command_);
-        if (words_.size() > places.size()) {
+        if (!words_.empty() && places.empty() && !commandsOf(*command_).empty()) {
+            commandNamed(*command_, {words_.front()});
+        }
+        if (words_.size() > roomOf(places)) {
             throw UsageError("unexpected word: " + inQuotes(words_[places.size()]));
         }
         for (std::size_t i = words_.size(); i < places.size(); ++i) {
@@ -158,11 +173,17 @@ private:
 
 }  // namespace
 
-const CLI::App& commandNamed(const CLI::App& app, const std::string& name) {
-    if (const CLI::App* const command = findCommand(app, name)) return *command;
-    Words known;
-    for (const CLI::App* const command : commandsOf(app)) known.push_back(command->get_name());
-    throw UsageError("no such command: " + inQuotes(name) + suggestion(name, known));
+const CLI::App& commandNamed(const CLI::App& app, const Words& names) {
+    const CLI::App* command = &app;
+    for (const std::string& name : names) {
+        const auto commands = commandsOf(*command);
+        command = findCommand(*command, name);
+        if (command != nullptr) continue;
+        Words known;
+        for (const CLI::App* const other : commands) known.push_back(other->get_name());
+        throw UsageError("no such command: " + inQuotes(name) + suggestion(name, known));
+    }
+    return *command;
 }
 
 Words arrange(const CLI::App& app, const Words& line) { return Arranger{app}.arrange(line); }

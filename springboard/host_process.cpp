@@ -32,13 +32,13 @@ standin::NewFile switchPreferences() {
 
 HostProcess::HostProcess(const Options& options)
     : json_{options.json},
-      device_{{.root = options.root,
+      device_{{.root = rootOf(options),
                .newFiles = {switchPreferences()},
                .machine = options.machine,
                .host = options.host,
                .clock = options.clock}} {
     if (options.traces) startTrace(options);
-    identifier_ = device_.framework.load(options.bundle);
+    identifier_ = device_.framework.load(bundleOf(options));
     switch_ = device_.framework.dataSource(identifier_);
 }
 

@@ -6,13 +6,10 @@
 #include <exception>
 #include <iostream>
 #include <new>
-#include <stdexcept>
-#include <string>
 
-#include "springboard/host_process.h"
+#include "program/terminal.h"
+#include "program/usage_error.h"
 #include "springboard/options.h"
-#include "springboard/terminal.h"
-#include "springboard/usage_error.h"
 
 namespace quillet {
 
@@ -20,30 +17,6 @@ namespace {
 
 constexpr int badUse = 2;
 constexpr char outOfMemory[] = "springboard: out of memory\n";
-
-std::string textOf(const Options& options, int descriptor) {
-    return hasColors(options.color, descriptor) ? withBoldHeadings(options.text) : options.text;
-}
-
-void printText(const Options& options) {
-    std::cout << textOf(options, STDOUT_FILENO) << std::flush;
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
-}
-
-void run(const Options& options) {
-    if (options.command == Command::print) return printText(options);
-    HostProcess process{options};
-    switch (options.command) {
-        case Command::state:
-            return process.printState();
-        case Command::watch:
-            return process.watch();
-        case Command::flip:
-            return process.flip(options.value);
-        default:
-            process.apply(options.value);
-    }
-}
 
 /// Puts something unwritable in place of the standard streams that are closed. A file of the device
 /// would otherwise take their place when it is opened, and what is printed end up in it.
@@ -65,12 +38,13 @@ void holdStandardStreams() {
 int runProgram(int argc, char** argv) {
     try {
         const Options options = parseOptions(argc, argv);
-        if (options.command == Command::none) {
-            std::cerr << textOf(options, STDERR_FILENO);
-            return badUse;
+        if (options.run) {
+            options.run(options);
+            return EXIT_SUCCESS;
         }
-        run(options);
-        return EXIT_SUCCESS;
+        const bool isColored = hasColors(options.color, STDERR_FILENO);
+        std::cerr << (isColored ? withBoldHeadings(options.help) : options.help);
+        return badUse;
     } catch (const UsageError& error) {
         std::cerr << "springboard: " << error.what() << "\nTry \"springboard --help\".\n";
         return badUse;

@@ -3,41 +3,24 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdlib>
 #include <stdexcept>
 
+#include "program/default_root.h"
+#include "program/usage_error.h"
 #include "springboard/arrange.h"
 #include "springboard/command_line.h"
-#include "springboard/usage_error.h"
 
 namespace quillet {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-/// Below the user's state folder; empty when the environment names none.
-fs::path defaultRoot() {
-    const auto below = [](const char* variable, const char* rest) {
-        const char* const folder = std::getenv(variable);
-        return folder != nullptr && fs::path{folder}.is_absolute() ? fs::path{folder} / rest
-                                                                   : fs::path{};
-    };
-    const fs::path root = below("XDG_STATE_HOME", "quillet/device");
-    return root.empty() ? below("HOME", ".local/state/quillet/device") : root;
+fs::path rootOf(const Options& options) {
+    return options.root.empty() ? defaultRoot() : options.root;
 }
 
-/// Where the device and the bundle are when the command line does not say it.
-void completeOptions(Options& options) {
-    if (options.root.empty()) options.root = defaultRoot();
-    if (options.root.empty()) {
-        throw UsageError("no --root given, and neither XDG_STATE_HOME nor HOME names a folder");
-    }
-    options.bundle =
-        options.bundle.empty() ? bundleBeside("/proc/self/exe") : fs::absolute(options.bundle);
+fs::path bundleOf(const Options& options) {
+    return options.bundle.empty() ? bundleBeside("/proc/self/exe") : fs::absolute(options.bundle);
 }
-
-}  // namespace
 
 fs::path bundleBeside(const fs::path& program) {
     std::error_code error;
@@ -58,8 +41,6 @@ Options parseOptions(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         throw UsageError(error.what());
     }
-    const bool needsDevice = options.command != Command::none && options.command != Command::print;
-    if (needsDevice) completeOptions(options);
     return options;
 }
 

@@ -1,35 +1,24 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
-#include <optional>
+#include <functional>
 #include <string>
 
 #include "platform/standin/device/clock.h"
 #include "platform/standin/device/host_variant.h"
-#include "springboard/terminal.h"
+#include "program/terminal.h"
 #include "springboard/trace_format.h"
 
 namespace quillet {
 
-enum class Command {
-    /// There is no command.
-    none,
-    state,
-    flip,
-    apply,
-    watch,
-    /// Prints Options::text.
-    print,
-};
-
 /// What a command line asks for.
 struct Options {
-    Command command = Command::none;
-    /// For flip: nothing is the tap. For apply it is always there.
-    std::optional<std::int32_t> value;
+    /// What the command does. Empty when there is no command.
+    std::function<void(const Options&)> run;
+    /// Empty for the default. See rootOf.
     std::filesystem::path root;
+    /// Empty for the one beside the program. See bundleOf.
     std::filesystem::path bundle;
     std::string machine = "iPhone6,1";
     /// Not to be chosen on a command line.
@@ -41,13 +30,19 @@ struct Options {
     TraceFormat traceFormat = TraceFormat::json;
     bool json = false;
     Color color = Color::automatic;
-    /// What to say when nothing is to be done: the help, that of a command, the version.
-    std::string text;
+    /// The program's help.
+    std::string help;
 };
 
-/// Reads a command line. Options may stand anywhere. Throws UsageError, or std::runtime_error when
-/// the bundle is left to be found and cannot be.
+/// Reads a command line. Options may stand anywhere. Throws UsageError.
 Options parseOptions(int argc, char** argv);
+
+/// The root of the device that is meant. Throws UsageError when no default can be found.
+std::filesystem::path rootOf(const Options& options);
+
+/// The bundle that is meant, an absolute path. Throws std::runtime_error when it is left to be
+/// found and cannot be.
+std::filesystem::path bundleOf(const Options& options);
 
 /// `Quillet.bundle` beside the program that the symbolic link `program` leads to: an absolute path.
 /// Throws std::runtime_error when the link cannot be read.

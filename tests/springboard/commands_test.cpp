@@ -131,6 +131,14 @@ TEST_F(Commands, ARootIsMadeWhereThereIsNone) {
     EXPECT_TRUE(fs::exists(made.string() + preferencesPath));
 }
 
+TEST_F(Commands, WithoutARootTheDeviceIsTheOneOfTheEnvironment) {
+    const std::string named = folder() / "named";
+    const std::string home = folder() / "home";
+    EXPECT_EQ(runWith({"QUILLET_ROOT=" + named, "HOME=" + home}, {}, {"state"}).output, "on\n");
+    EXPECT_TRUE(fs::exists(named + preferencesPath));
+    EXPECT_FALSE(fs::exists(home));
+}
+
 TEST_F(Commands, WithoutARootTheDeviceIsInTheUsersStateFolder) {
     const std::string state = folder() / "state";
     const std::string home = folder() / "home";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/springboard/springboard.h"
 
+#include <cstdlib>
 #include <utility>
 
 #include "platform/standin/device/new_phone.h"
@@ -11,6 +12,8 @@ namespace quillet::test {
 namespace fs = std::filesystem;
 
 SpringBoard::SpringBoard() {
+    // Whoever runs the tests may have a device of their own.
+    unsetenv("QUILLET_ROOT");
     standin::makeNewPhone(root(), {});
     write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", true}});
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "springboard/suggestion.h"
+#include "program/suggestion.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "springboard/terminal.h"
+#include "program/terminal.h"
 
 #include <unistd.h>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "springboard/suggestion.h"
+#include "program/suggestion.h"
 
 #include <algorithm>
 #include <numeric>
 #include <utility>
 
-#include "springboard/usage_error.h"
+#include "program/usage_error.h"
 
 namespace quillet {
 

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <CLI/App.hpp>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "springboard/options.h"
+
+namespace quillet {
+
+// How a command is told to the command line. What its own options and words say is kept by what
+// runs it: an object that both share, as the description is gone by then.
+
+using Run = std::function<void(const Options&)>;
+using Take = std::function<void(const std::string&)>;
+
+/// Adds a command to the program, or to a command. `run` is called with the options when it is the
+/// last command of the line. All pointers are to texts that outlive `parent`.
+CLI::App& addCommand(CLI::App& parent, const char* name, const char* meaning, Options& options,
+                     Run run);
+
+/// Adds a command that is nothing without one of the commands that will be added to it.
+CLI::App& addGroup(CLI::App& parent, const char* name, const char* meaning, Options& options);
+
+/// Adds an option, such as "-o,--output", of which the last argument counts. `type` is how the help
+/// calls the argument.
+CLI::Option& addOption(CLI::App& app, const char* names, const char* type, const char* meaning,
+                       const Take& take);
+
+/// Adds an option without an argument. `flag` is set by it, and must outlive `app`.
+CLI::Option& addFlag(CLI::App& app, const char* names, const char* meaning, bool& flag);
+
+/// Adds the place of a word to a command. It may be left out, unless it is required().
+CLI::Option& addWord(CLI::App& command, const char* name, const char* type, const char* meaning,
+                     const Take& take);
+
+/// Adds a place for any number of words.
+CLI::Option& addWords(CLI::App& command, const char* name, const char* type, const char* meaning,
+                      const std::function<void(const std::vector<std::string>&)>& take);
+
+// The commands, by families.
+
+/// state, flip, apply, watch.
+void addSwitchCommands(CLI::App& app, Options& options);
+
+/// help, version.
+void addOwnCommands(CLI::App& app, Options& options);
+
+}  // namespace quillet

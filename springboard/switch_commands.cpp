@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include <CLI/App.hpp>
+#include <memory>
+#include <optional>
+
+#include "springboard/arguments.h"
+#include "springboard/commands.h"
+#include "springboard/host_process.h"
+
+namespace quillet {
+
+namespace {
+
+constexpr char applyFooter[] = R"(The number:
+  0            off: the state is stored, and the ringer muted
+  1            on: the state is stored, and the ringer unmuted
+  -1           no change is asked for
+  any other    the ringer is unmuted, and no state stored
+)";
+
+using State = std::optional<std::int32_t>;
+
+void addFlip(CLI::App& app, Options& options) {
+    const auto state = std::make_shared<State>();
+    CLI::App& flip =
+        addCommand(app, "flip", "turn the switch on or off, or tap it; print the new state",
+                   options, [state](const Options& chosen) { HostProcess{chosen}.flip(*state); });
+    addWord(flip, "on|off", "on or off",
+            "the state to apply; without it, the opposite of what it is",
+            [state](auto& word) { *state = onOrOff(word); });
+}
+
+void addApply(CLI::App& app, Options& options) {
+    const auto state = std::make_shared<State>();
+    CLI::App& apply = addCommand(
+        app, "apply", "apply the state N, a 32-bit signed number; print the state afterwards",
+        options, [state](const Options& chosen) { HostProcess{chosen}.apply(*state); });
+    addWord(apply, "N", "a number", "the state to apply", [state](auto& word) {
+        *state = number(word);
+    }).required();
+    apply.footer(applyFooter);
+}
+
+}  // namespace
+
+void addSwitchCommands(CLI::App& app, Options& options) {
+    addCommand(app, "state", R"(print the switch's state, "on" or "off")", options,
+               [](const Options& chosen) { HostProcess{chosen}.printState(); });
+    addFlip(app, options);
+    addApply(app, options);
+    addCommand(app, "watch",
+               R"(print "on" or "off" at each refresh of the switch, until interrupted)", options,
+               [](const Options& chosen) { HostProcess{chosen}.watch(); });
+}
+
+}  // namespace quillet
