@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/arrange.h"
 
+#include <CLI/App.hpp>
 #include <algorithm>
 #include <limits>
 #include <string_view>

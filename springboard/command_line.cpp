@@ -37,7 +37,7 @@ Exit status:
 void addDeviceOptions(CLI::App& app, Options& options) {
     const auto addOne = [&](const char* name, const char* type, const char* meaning,
                             const Take& take) {
-        addOption(app, name, type, meaning, take).group("The device");
+        add(app, name, type, meaning, take).group("The device");
     };
     addOne("--root", "DIR",
            "the folder that is the device's \"/\"; made, with a new phone's files, when absent "
@@ -57,28 +57,28 @@ void addDeviceOptions(CLI::App& app, Options& options) {
 }
 
 void addTraceOptions(CLI::App& app, Options& options) {
-    CLI::Option& trace = addOption(app, "--trace", optionalFile,
-                                   "write a line for each platform operation that the switch calls "
-                                   "(default: to standard error)",
-                                   [&](auto& file) {
-                                       options.traces = true;
-                                       options.traceFile = file;
-                                   });
-    CLI::Option& format = addOption(
-        app, "--trace-format", "FORMAT",
-        "json (default): \"t\" in seconds, \"op\", \"receiver\" of a message, \"args\", and "
-        "\"result\" where there is one; or text, for people",
-        [&](auto& word) { options.traceFormat = traceFormat(word); });
+    CLI::Option& trace = add(app, "--trace", optionalFile,
+                             "write a line for each platform operation that the switch calls "
+                             "(default: to standard error)",
+                             [&](auto& file) {
+                                 options.traces = true;
+                                 options.traceFile = file;
+                             });
+    CLI::Option& format =
+        add(app, "--trace-format", "FORMAT",
+            "json (default): \"t\" in seconds, \"op\", \"receiver\" of a message, \"args\", and "
+            "\"result\" where there is one; or text, for people",
+            [&](auto& word) { options.traceFormat = traceFormat(word); });
     trace.group("What is printed");
     format.needs(&trace)->group("What is printed");
 }
 
 void addOtherOptions(CLI::App& app, Options& options) {
-    addFlag(app, "--json", "print states as JSON objects", options.json).group("What is printed");
-    addOption(app, "--color", "WHEN",
-              "auto (default), always or never; auto is for terminals, but for dumb ones and when "
-              "NO_COLOR is set",
-              [&](auto& word) { options.color = color(word); })
+    app.add_flag("--json", options.json, "print states as JSON objects")->group("What is printed");
+    add(app, "--color", "WHEN",
+        "auto (default), always or never; auto is for terminals, but for dumb ones and when "
+        "NO_COLOR is set",
+        [&](auto& word) { options.color = color(word); })
         .group("What is printed");
     app.set_help_flag("-h,--help", "print this help, or that of the command before it")
         ->group("This program");

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <CLI/App.hpp>
-
 #include "springboard/options.h"
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace quillet {
 

@@ -8,6 +8,15 @@
 
 namespace quillet {
 
+CLI::Option& add(CLI::App& app, const char* names, const char* type, const char* meaning,
+                 const Take& take) {
+    const auto takeOne = [take](const CLI::results_t& arguments) {
+        take(arguments.front());
+        return true;
+    };
+    return *app.add_option(names, takeOne, meaning)->type_name(type)->take_last();
+}
+
 CLI::App& addCommand(CLI::App& parent, const char* name, const char* meaning, Options& options,
                      Run run) {
     CLI::App& added = *parent.add_subcommand(name, meaning);
@@ -25,39 +34,39 @@ CLI::App& addGroup(CLI::App& parent, const char* name, const char* meaning, Opti
     });
 }
 
-CLI::Option& addOption(CLI::App& app, const char* names, const char* type, const char* meaning,
-                       const Take& take) {
-    const auto takeOne = [take](const CLI::results_t& arguments) {
-        take(arguments.front());
-        return true;
-    };
-    CLI::Option& option = *app.add_option(names, takeOne, meaning);
-    option.type_name(type)->take_last()->group("Options");
-    return option;
+void explain(CLI::App& command, const char* footer) { command.footer(footer); }
+
+void addOption(CLI::App& command, const char* names, const char* type, const char* meaning,
+               const Take& take) {
+    add(command, names, type, meaning, take).group("Options");
 }
 
-CLI::Option& addFlag(CLI::App& app, const char* names, const char* meaning, bool& flag) {
-    CLI::Option& option = *app.add_flag(names, flag, meaning);
-    option.group("Options");
-    return option;
+void addFlag(CLI::App& command, const char* names, const char* meaning,
+             const std::function<void()>& take) {
+    command.add_flag_callback(names, take, meaning)->group("Options");
 }
 
-CLI::Option& addWord(CLI::App& command, const char* name, const char* type, const char* meaning,
-                     const Take& take) {
-    CLI::Option& word = addOption(command, name, type, meaning, take);
-    word.group("Words");
-    return word;
+void addWord(CLI::App& command, const char* name, const char* type, const char* meaning,
+             const Take& take) {
+    add(command, name, type, meaning, take).group("Words");
 }
 
-CLI::Option& addWords(CLI::App& command, const char* name, const char* type, const char* meaning,
-                      const std::function<void(const std::vector<std::string>&)>& take) {
+void addNeededWord(CLI::App& command, const char* name, const char* type, const char* meaning,
+                   const Take& take) {
+    add(command, name, type, meaning, take).required()->group("Words");
+}
+
+void addWords(CLI::App& command, const char* name, const char* type, const char* meaning,
+              const std::function<void(const std::vector<std::string>&)>& take) {
     const auto takeAll = [take](const CLI::results_t& arguments) {
         take(arguments);
         return true;
     };
-    CLI::Option& words = *command.add_option(name, takeAll, meaning);
-    words.type_name(type)->expected(-1)->group("Words");
-    return words;
+    command.add_option(name, takeAll, meaning)
+        ->type_name(type)
+        ->expected(1, -1)
+        ->allow_extra_args()
+        ->group("Words");
 }
 
 }  // namespace quillet

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <CLI/App.hpp>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "springboard/options.h"
+
+// CLI11's headers take long to compile: families of commands do without.
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace quillet {
 
@@ -24,21 +29,33 @@ CLI::App& addCommand(CLI::App& parent, const char* name, const char* meaning, Op
 /// Adds a command that is nothing without one of the commands that will be added to it.
 CLI::App& addGroup(CLI::App& parent, const char* name, const char* meaning, Options& options);
 
-/// Adds an option, such as "-o,--output", of which the last argument counts. `type` is how the help
-/// calls the argument.
-CLI::Option& addOption(CLI::App& app, const char* names, const char* type, const char* meaning,
-                       const Take& take);
+/// Adds an option, or the place of a word, of which the last argument counts, to no group.
+CLI::Option& add(CLI::App& app, const char* names, const char* type, const char* meaning,
+                 const Take& take);
 
-/// Adds an option without an argument. `flag` is set by it, and must outlive `app`.
-CLI::Option& addFlag(CLI::App& app, const char* names, const char* meaning, bool& flag);
+/// Has the help of a command end with `footer`, as it stands.
+void explain(CLI::App& command, const char* footer);
 
-/// Adds the place of a word to a command. It may be left out, unless it is required().
-CLI::Option& addWord(CLI::App& command, const char* name, const char* type, const char* meaning,
-                     const Take& take);
+/// Adds an option to a command, such as "-o,--output", of which the last argument counts. `type` is
+/// how the help calls the argument.
+void addOption(CLI::App& command, const char* names, const char* type, const char* meaning,
+               const Take& take);
+
+/// Adds an option without an argument, which `take` hears of.
+void addFlag(CLI::App& command, const char* names, const char* meaning,
+             const std::function<void()>& take);
+
+/// Adds the place of a word to a command. It may be left out.
+void addWord(CLI::App& command, const char* name, const char* type, const char* meaning,
+             const Take& take);
+
+/// The same, which may not be left out.
+void addNeededWord(CLI::App& command, const char* name, const char* type, const char* meaning,
+                   const Take& take);
 
 /// Adds a place for any number of words.
-CLI::Option& addWords(CLI::App& command, const char* name, const char* type, const char* meaning,
-                      const std::function<void(const std::vector<std::string>&)>& take);
+void addWords(CLI::App& command, const char* name, const char* type, const char* meaning,
+              const std::function<void(const std::vector<std::string>&)>& take);
 
 // The commands, by families.
 

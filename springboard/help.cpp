@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/help.h"
 
+#include <CLI/App.hpp>
 #include <algorithm>
 #include <cctype>
 #include <sstream>
@@ -58,7 +59,8 @@ std::string table(const std::string& heading, const Rows& rows) {
 /// "--trace[=FILE]", "-h, --help"
 std::string termOf(const CLI::Option& option) {
     if (option.get_positional()) {
-        return option.get_required() ? option.get_name() : '[' + option.get_name() + ']';
+        const std::string more = option.get_items_expected_max() > 1 ? "..." : "";
+        return (option.get_required() ? option.get_name() : '[' + option.get_name() + ']') + more;
     }
     std::string term;
     for (const std::string& letter : option.get_snames()) term += '-' + letter + ", ";

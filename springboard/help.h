@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <CLI/App.hpp>
 #include <string>
+
+namespace CLI {
+class App;
+}  // namespace CLI
 
 namespace quillet {
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <unistd.h>
 
-#include <CLI/App.hpp>
 #include <iostream>
 #include <memory>
 #include <stdexcept>

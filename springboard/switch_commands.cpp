@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <CLI/App.hpp>
 #include <memory>
 #include <optional>
 
@@ -35,10 +34,9 @@ void addApply(CLI::App& app, Options& options) {
     CLI::App& apply = addCommand(
         app, "apply", "apply the state N, a 32-bit signed number; print the state afterwards",
         options, [state](const Options& chosen) { HostProcess{chosen}.apply(*state); });
-    addWord(apply, "N", "a number", "the state to apply", [state](auto& word) {
-        *state = number(word);
-    }).required();
-    apply.footer(applyFooter);
+    addNeededWord(apply, "N", "a number", "the state to apply",
+                  [state](auto& word) { *state = number(word); });
+    explain(apply, applyFooter);
 }
 
 }  // namespace

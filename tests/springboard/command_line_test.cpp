@@ -64,6 +64,7 @@ TEST_F(CommandLine, AWordThatIsNearlyOneIsAnsweredWithIt) {
     expectBadUse({"help", "stat"}, "no such command: \"stat\"; did you mean \"state\"?");
     expectBadUse({"state", "--jsn"}, "no such option: \"--jsn\"; did you mean \"--json\"?");
     expectBadUse({"state", "--rot=x"}, "no such option: \"--rot=x\"; did you mean \"--root\"?");
+    expectBadUse({"help", "help", "stat"}, "no such command: \"stat\"\n");
     expectBadUse({"sing"}, "no such command: \"sing\"\n");
 }
 
