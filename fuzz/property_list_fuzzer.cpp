@@ -28,6 +28,15 @@ void requireThatItSurvivesARewrite(const Value& value) {
     require(writePropertyList(*again) == *text);
 }
 
+/// All bits of a number are kept here, and entries have their order.
+void requireThatItSurvivesInBinary(const Value& value) {
+    const auto bytes = rewritePropertyList(value, Form::binary);
+    if (!bytes) return;
+    const auto again = readBinaryPropertyList(*bytes);
+    require(again.has_value());
+    require(writePropertyList(*again, Form::binary) == *bytes);
+}
+
 /// A change leaves the value that it was made on as it was.
 void requireThatOthersKeepTheirs(const Dictionary& dictionary) {
     Dictionary changed = dictionary;
@@ -50,6 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     requireThatItSurvivesARewrite(*value);
+    requireThatItSurvivesInBinary(*value);
     const auto* const dictionary = std::get_if<Dictionary>(&*value);
     if (dictionary != nullptr && dictionary->size() < 100) requireThatOthersKeepTheirs(*dictionary);
     return 0;

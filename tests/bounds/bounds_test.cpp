@@ -28,9 +28,9 @@ double now() {
 }
 
 /// Reads and writes again, as a flip does.
-void rewrite(std::string bytes) {
+void rewrite(std::string bytes, Form form) {
     const auto value = readPropertyList(std::move(bytes));
-    if (value) rewritePropertyList(*value);
+    if (value) rewritePropertyList(*value, form);
 }
 
 class Bounds : public testing::TestWithParam<std::size_t> {};
@@ -39,12 +39,15 @@ TEST_P(Bounds, ReadingAndWritingAgainTakesMemoryAndTimeInProportionToTheSize) {
     // An optimised build takes a small part of the time; the rest is for checks and sanitizers.
     constexpr double slowness = 50;
     for (const auto& [name, bytes] : hostileShapes(GetParam())) {
-        const test::CountedMemory memory;
-        const double start = now();
-        rewrite(bytes);
-        EXPECT_LE(memory.peak(), 64 * bytes.size() + (std::size_t{4} << 20U)) << name;
-        EXPECT_LE(now() - start, slowness * (0.01 + 200e-9 * static_cast<double>(bytes.size())))
-            << name;
+        for (const Form form : {Form::xml, Form::binary}) {
+            SCOPED_TRACE(name + (form == Form::xml ? " to XML" : " to binary"));
+            const test::CountedMemory memory;
+            const double start = now();
+            rewrite(bytes, form);
+            EXPECT_LE(memory.peak(), 64 * bytes.size() + (std::size_t{4} << 20U));
+            EXPECT_LE(now() - start,
+                      slowness * (0.01 + 200e-9 * static_cast<double>(bytes.size())));
+        }
     }
 }
 
@@ -103,6 +106,7 @@ void readCopyChangeCompareAndDestroy(const std::string& bytes) {
     if (auto* const dictionary = std::get_if<Dictionary>(&*copy)) dictionary->set("new", *value);
     EXPECT_EQ(readPropertyList(bytes).has_value(), value.has_value());
     rewritePropertyList(*copy);
+    rewritePropertyList(*copy, Form::binary);
 }
 
 TEST(Limits, TheStackIs128KilobytesAtMost) {
@@ -128,6 +132,7 @@ TEST(Limits, AValueThatIsWrappedAgainAndAgainTakesNoMoreStack) {
         EXPECT_EQ(copy, value);
         EXPECT_NE(copy, (Array{std::vector<Value>{value}}));
         EXPECT_FALSE(writePropertyList(value).empty());
+        EXPECT_FALSE(writePropertyList(value, Form::binary).empty());
     });
     EXPECT_LE(taken - thread, std::size_t{128} << 10U);
 }

@@ -11,6 +11,11 @@
 
 namespace quillet::standin {
 
+enum class Form { xml, binary };
+
+/// The form that bytes are in, as far as their beginning tells: what is not binary is XML.
+Form formOf(std::string_view bytes);
+
 /// Where and why bytes are malformed.
 struct Fault {
     /// In bytes from the first one, of an XML document's text in UTF-8.
@@ -31,12 +36,12 @@ std::optional<Value> readBinaryPropertyList(std::string bytes, Fault* fault = nu
 /// What a property list of `size` bytes may take in memory, from reading it to writing it again.
 constexpr std::size_t memoryLimit(std::size_t size) { return 64 * size + (std::size_t{4} << 20U); }
 
-/// `value`, whose strings are UTF-8, in the XML form. It reads back as an equal value, but that a
+/// `value`, whose strings are UTF-8. It reads back as an equal value, but that in the XML form a
 /// date loses its fraction of a second, and {"CF$UID": number} becomes an identifier.
-std::string writePropertyList(const Value& value);
+std::string writePropertyList(const Value& value, Form form = Form::xml);
 
-/// The same for a value that was read from a file, whatever that held; nothing when the text would
-/// bring the memory above memoryLimit of the file's size, which is known before any is taken.
-std::optional<std::string> rewritePropertyList(const Value& value);
+/// The same for a value that was read from a file, whatever that held; nothing when what is written
+/// would bring the memory above memoryLimit of the file's size, which is known before any is taken.
+std::optional<std::string> rewritePropertyList(const Value& value, Form form = Form::xml);
 
 }  // namespace quillet::standin

@@ -30,7 +30,6 @@ struct Trailer {
 
 constexpr std::string_view magic = "bplist0";
 constexpr std::size_t headerSize = 8;
-constexpr std::size_t trailerSize = 32;
 
 std::optional<Trailer> trailerOf(std::string_view file) {
     if (file.size() < headerSize + trailerSize || !file.starts_with(magic)) return std::nullopt;

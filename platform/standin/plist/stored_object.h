@@ -39,6 +39,9 @@ enum class Marker : std::uint8_t {
     dictionary = 0xD
 };
 
+/// Bytes at the end of a file, which tell where its objects are.
+inline constexpr std::size_t trailerSize = 32;
+
 /// The unsigned number in `bytes`, of which the last eight count.
 inline std::uint64_t bigEndian(std::string_view bytes) {
     std::uint64_t number = 0;

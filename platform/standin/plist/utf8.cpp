@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/plist/utf8.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
@@ -55,6 +56,23 @@ bool isUTF8(std::string_view bytes) {
         if (length == 0) return false;
         bytes.remove_prefix(length);
     }
+}
+
+bool isASCII(std::string_view bytes) { return asciiPrefix(bytes) == bytes.size(); }
+
+std::uint32_t takeCharacter(std::string_view& text) {
+    std::uint32_t character = byteAt(text, 0);
+    std::size_t length = 1;
+    if (character >= 0x80) {
+        length = sequenceLength(text);
+        character = length == 0 ? replacement : character & (0x7FU >> length);
+        for (std::size_t i = 1; i < length; ++i) {
+            character = character << 6 | (byteAt(text, i) & 0x3FU);
+        }
+        length = std::max<std::size_t>(length, 1);
+    }
+    text.remove_prefix(length);
+    return character;
 }
 
 char* putUTF8(char* text, std::uint32_t codePoint) {

@@ -10,6 +10,12 @@ namespace quillet::standin {
 /// Whether `bytes` are UTF-8 in shortest form, without surrogates or code points above U+10FFFF.
 bool isUTF8(std::string_view bytes);
 
+bool isASCII(std::string_view bytes);
+
+/// Takes the character that `text`, which is not empty, begins with; U+FFFD for a byte that is no
+/// UTF-8.
+std::uint32_t takeCharacter(std::string_view& text);
+
 /// Writes the character to `text`, which has room for four bytes, and returns where it ends; a
 /// surrogate, or a number above U+10FFFF, stands for U+FFFD.
 char* putUTF8(char* text, std::uint32_t codePoint);

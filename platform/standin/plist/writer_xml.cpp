@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
+#include "platform/standin/plist/writer_xml.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
-#include <limits>
-#include <utility>
+#include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "platform/standin/plist/calendar.h"
 #include "platform/standin/plist/plain_text.h"
-#include "platform/standin/plist/property_list.h"
-#include "platform/standin/plist/tape.h"
-#include "platform/standin/plist/value_on_tape.h"
 #include "platform/standin/plist/xml_sinks.h"
 
 namespace quillet::standin {
@@ -220,8 +219,9 @@ private:
     std::vector<Level> open_;
 };
 
-/// The text of the value at `root`; nothing when it is longer than `limit`.
-std::optional<std::string> written(const Node& root, std::size_t limit) {
+}  // namespace
+
+std::optional<std::string> writeXML(const Node& root, std::size_t limit) {
     Measure measure{limit};
     Writer{measure}.write(root);
     if (measure.isFull()) return std::nullopt;
@@ -230,36 +230,6 @@ std::optional<std::string> written(const Node& root, std::size_t limit) {
     Writer{pen}.write(root);
     text.resize(measure.size());
     return text;
-}
-
-/// The container that a value is, if it is one.
-const Container* containerIn(const Value& value) {
-    const Container* const array = std::get_if<Array>(&value);
-    return array != nullptr ? array : std::get_if<Dictionary>(&value);
-}
-
-std::optional<std::string> written(const Value& value, std::size_t limit) {
-    if (const Container* const container = containerIn(value)) {
-        return written(container->head(), limit);
-    }
-    Tape tape;
-    append(tape, tape.nodes, value);
-    return written(tape.nodes.front(), limit);
-}
-
-}  // namespace
-
-std::string writePropertyList(const Value& value) {
-    return *written(value, std::numeric_limits<std::size_t>::max());
-}
-
-std::optional<std::string> rewritePropertyList(const Value& value) {
-    const Container* const container = containerIn(value);
-    if (container == nullptr) return writePropertyList(value);
-    const Tape& tape = *container->tape();
-    const std::size_t limit = memoryLimit(tape.size());
-    const std::size_t taken = tape.memory();
-    return taken < limit ? written(container->head(), limit - taken) : std::nullopt;
 }
 
 }  // namespace quillet::standin

@@ -198,6 +198,11 @@ TEST(PropertyListOracle, ReadsWhatWeWriteAndWritesWhatWeRead) {
         EXPECT_TRUE(std::visit(Matches{node.get()}, value)) << text;
         EXPECT_EQ(readPropertyList(xmlOf(node)), value) << text;
         EXPECT_EQ(readPropertyList(binaryOf(node)), value) << text;
+        const std::string binary = writePropertyList(value, Form::binary);
+        const Node nodeOfBinary = nodeFrom(binary);
+        ASSERT_TRUE(nodeOfBinary) << text;
+        EXPECT_TRUE(std::visit(Matches{nodeOfBinary.get()}, value)) << text;
+        EXPECT_EQ(readPropertyList(binary), value) << text;
     }
 }
 
@@ -220,6 +225,8 @@ TEST(PropertyListOracle, LargeFilesAgreeInBothForms) {
     ASSERT_TRUE(node);
     EXPECT_EQ(readPropertyList(binaryOf(node)), value);
     EXPECT_EQ(readPropertyList(xmlOf(node)), value);
+    const Node nodeOfBinary = nodeFrom(writePropertyList(value, Form::binary));
+    EXPECT_TRUE(std::visit(Matches{nodeOfBinary.get()}, value));
 }
 
 }  // namespace

@@ -257,6 +257,10 @@ TEST(MalformedBinaryPropertyList, EveryChangeOfOneByteGivesNothingOrAValueThatSu
             const auto again = readXMLPropertyList(text);
             ASSERT_TRUE(again) << text;
             ASSERT_EQ(writePropertyList(*again), text) << testing::PrintToString(changed);
+            const std::string binary = writePropertyList(*value, Form::binary);
+            const auto same = readBinaryPropertyList(binary);
+            ASSERT_TRUE(same) << testing::PrintToString(changed);
+            ASSERT_EQ(writePropertyList(*same, Form::binary), binary);
         }
     }
     EXPECT_GT(values, 0);
