@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string>
 
+#include "platform/standin/files/file.h"
+#include "platform/standin/plist/property_list.h"
 #include "platform/standin/runtime/dictionary_file.h"
 #include "tests/bounds/counted_memory.h"
 #include "tests/support/temporary_folder.h"
@@ -18,8 +20,13 @@ namespace {
 namespace fs = std::filesystem;
 using standin::Array;
 using standin::Dictionary;
+using standin::Form;
 using standin::readDictionary;
+using standin::readFile;
+using standin::rewriteDictionary;
 using standin::writeDictionary;
+using standin::writeFileAtomically;
+using standin::writePropertyList;
 using Which = RefusedMemory::Which;
 
 class RefusedPiece : public testing::Test {
@@ -72,6 +79,15 @@ TEST_F(RefusedPiece, OnceDoesNotHinderWriting) {
         ASSERT_TRUE(writeDictionary(path(), settings));
         EXPECT_TRUE(refusing([this] { return writeDictionary(path(), others); }));
         EXPECT_EQ(readDictionary(path()), others);
+    });
+}
+
+TEST_F(RefusedPiece, OnceDoesNotHinderRewritingInTheFormOfTheFile) {
+    const std::string binary = writePropertyList(settings, Form::binary);
+    forEachPiece(Which::next, [&](auto refusing) {
+        ASSERT_TRUE(writeFileAtomically(path(), binary));
+        EXPECT_TRUE(refusing([this] { return rewriteDictionary(path(), others); }));
+        EXPECT_EQ(readFile(path()), writePropertyList(others, Form::binary));
     });
 }
 

@@ -19,6 +19,7 @@ namespace {
 
 using standin::Array;
 using standin::Dictionary;
+using standin::Form;
 using standin::Value;
 using ::testing::ElementsAre;
 
@@ -63,6 +64,11 @@ TEST_F(DictionaryFile, ThatIsMissingBrokenOrSomethingElseGivesNil) {
     write(std::string{"no property list"});
     expectNoDictionary();
     write(Value{Array{}});
+    expectNoDictionary();
+    // An archive's identifier, though in XML it looks like a dictionary.
+    write(Value{standin::UID{7}});
+    expectNoDictionary();
+    write(standin::writePropertyList(standin::UID{7}, Form::binary));
     expectNoDictionary();
     std::filesystem::remove(device().below(path));
     std::filesystem::create_directory(device().below(path));
@@ -114,6 +120,37 @@ TEST_F(DictionaryFile, IsWrittenWithWhatWasSetAndWhatWasThere) {
     EXPECT_EQ(
         read(),
         Value(Dictionary{{"old", std::string{"kept"}}, {"flag", false}, {"volume", double{0.6F}}}));
+}
+
+TEST_F(DictionaryFile, IsWrittenInTheXMLFormAndRewrittenInItsOwn) {
+    const Dictionary before{{"key", true}, {"date", standin::Date{0.5}}};
+    const std::string file = device().below(path);
+    for (const Form form : {Form::xml, Form::binary}) {
+        write(standin::writePropertyList(before, form));
+        auto dictionary = standin::readDictionary(file).value();
+        dictionary.set("key", false);
+        EXPECT_TRUE(standin::rewriteDictionary(file, dictionary));
+        EXPECT_EQ(standin::readFile(file), standin::writePropertyList(dictionary, form));
+        EXPECT_TRUE(standin::writeDictionary(file, dictionary));
+        EXPECT_EQ(standin::readFile(file), standin::writePropertyList(dictionary));
+    }
+}
+
+TEST_F(DictionaryFile, IsRewrittenInTheXMLFormWhereThereIsNone) {
+    const std::string file = device().below(path);
+    EXPECT_TRUE(standin::rewriteDictionary(file, Dictionary{}));
+    EXPECT_EQ(standin::readFile(file), standin::writePropertyList(Dictionary{}));
+    write(std::string{"no property list"});
+    EXPECT_TRUE(standin::rewriteDictionary(file, Dictionary{}));
+    EXPECT_EQ(standin::readFile(file), standin::writePropertyList(Dictionary{}));
+}
+
+TEST_F(DictionaryFile, IsNotRewrittenWhenItsFormCannotBeRead) {
+    const std::string file = device().below(path);
+    write(std::string{});
+    std::filesystem::resize_file(file, standin::maxSettingsSize + 1);
+    EXPECT_FALSE(standin::rewriteDictionary(file, Dictionary{}));
+    EXPECT_EQ(std::filesystem::file_size(file), standin::maxSettingsSize + 1);
 }
 
 TEST_F(DictionaryFile, IsNotChangedBeforeItIsWritten) {

@@ -35,9 +35,16 @@ std::optional<Dictionary> readOnce(const std::filesystem::path& path) {
     return dictionary ? std::optional{std::move(*dictionary)} : std::nullopt;
 }
 
-bool writeOnce(const std::filesystem::path& path, const Value& dictionary) {
-    const auto text = rewritePropertyList(dictionary);
-    return text && writeFileAtomically(path, *text);
+bool writeOnce(const std::filesystem::path& path, const Value& dictionary, Form form) {
+    const auto bytes = rewritePropertyList(dictionary, form);
+    return bytes && writeFileAtomically(path, *bytes);
+}
+
+/// Nothing when the file that is there cannot be read.
+std::optional<Form> formAt(const std::filesystem::path& path) {
+    if (!mayExist(path)) return Form::xml;
+    const auto bytes = readFile(path, maxSettingsSize);
+    return bytes ? std::optional{formOf(*bytes)} : std::nullopt;
 }
 
 }  // namespace
@@ -47,7 +54,14 @@ std::optional<Dictionary> readDictionary(const std::filesystem::path& path) {
 }
 
 bool writeDictionary(const std::filesystem::path& path, const Value& dictionary) {
-    return insist([&] { return writeOnce(path, dictionary); });
+    return insist([&] { return writeOnce(path, dictionary, Form::xml); });
+}
+
+bool rewriteDictionary(const std::filesystem::path& path, const Value& dictionary) {
+    return insist([&] {
+        const auto form = formAt(path);
+        return form && writeOnce(path, dictionary, *form);
+    });
 }
 
 }  // namespace quillet::standin

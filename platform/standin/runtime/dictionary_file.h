@@ -25,4 +25,8 @@ std::optional<Dictionary> readDictionary(const std::filesystem::path& path);
 /// memory (see rewritePropertyList), or there is none; `path` then holds what it held.
 bool writeDictionary(const std::filesystem::path& path, const Value& dictionary);
 
+/// The same in the form that the file at `path` has, and in the XML form when there is none. False
+/// too when what is there cannot be read.
+bool rewriteDictionary(const std::filesystem::path& path, const Value& dictionary);
+
 }  // namespace quillet::standin
