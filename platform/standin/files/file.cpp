@@ -19,10 +19,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool isRegular(int file, std::size_t maxSize) {
+/// The size of the regular file, which it may have changed since; nothing when it is no such file
+/// or larger than `maxSize`.
+std::optional<std::size_t> sizeOf(int file, std::size_t maxSize) {
     struct stat status {};
-    return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
-           static_cast<std::uint64_t>(status.st_size) <= maxSize;
+    const bool isRegular = ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
+                           static_cast<std::uint64_t>(status.st_size) <= maxSize;
+    return isRegular ? std::optional{static_cast<std::size_t>(status.st_size)} : std::nullopt;
 }
 
 /// Where the links at `path` lead, even if nothing is there.
@@ -74,8 +77,10 @@ std::optional<std::string> readFile(const fs::path& path, std::size_t maxSize) {
     // Without waiting: opening a FIFO would otherwise last until somebody writes to it.
     constexpr int flags = O_RDONLY | O_NONBLOCK | O_CLOEXEC;
     const Descriptor file{uninterrupted([&] { return ::open(path.c_str(), flags); })};
-    if (!file.isOpen() || !isRegular(file.number(), maxSize)) return std::nullopt;
+    const auto usualSize = file.isOpen() ? sizeOf(file.number(), maxSize) : std::nullopt;
+    if (!usualSize) return std::nullopt;
     std::string bytes;
+    bytes.reserve(*usualSize);
     std::array<char, 65536> chunk;
     while (bytes.size() <= maxSize) {
         const auto size =
