@@ -69,11 +69,10 @@ bool hasShape(std::string_view text, std::string_view shape) {
     return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), fits);
 }
 
-/// The number in `text`, which holds digits only.
-unsigned numberIn(std::string_view text) {
-    unsigned number = 0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
+/// The number of two digits at `index`.
+unsigned numberAt(std::string_view text, std::size_t index) {
+    const auto digit = [&](std::size_t place) { return static_cast<unsigned>(text[place] - '0'); };
+    return digit(index) * 10 + digit(index + 1);
 }
 
 /// Takes [-]digits off the front. Nothing when there are none, or too many of them.
@@ -85,13 +84,23 @@ std::optional<std::int64_t> takeYear(std::string_view& text) {
     return number;
 }
 
-std::string padded(std::uint64_t number, std::size_t width) {
-    const std::string digits = std::to_string(number);
-    return std::string(width - std::min(width, digits.size()), '0') + digits;
+/// Writes `mark` and two digits.
+char* putPart(char* text, char mark, unsigned number) {
+    *text++ = mark;
+    *text++ = static_cast<char>('0' + number / 10);
+    *text++ = static_cast<char>('0' + number % 10);
+    return text;
 }
 
-std::string yearText(std::int64_t number) {
-    return (number < 0 ? "-" : "") + padded(static_cast<std::uint64_t>(std::abs(number)), 4);
+/// Writes four digits or more, after a minus if there is one.
+char* putYear(char* text, std::int64_t number) {
+    constexpr std::size_t digits = 10;
+    if (number < 0) *text++ = '-';
+    const std::int64_t magnitude = std::abs(number);
+    for (std::int64_t least = 1000; least > std::max<std::int64_t>(magnitude, 1); least /= 10) {
+        *text++ = '0';
+    }
+    return std::to_chars(text, text + digits, magnitude).ptr;
 }
 
 seconds wholeSeconds(Date date) {
@@ -106,23 +115,27 @@ seconds wholeSeconds(Date date) {
 std::optional<Date> parseDate(std::string_view text) {
     const auto number = takeYear(text);
     if (!number || !hasShape(text, "-dd-ddTdd:dd:ddZ")) return std::nullopt;
-    const CalendarDate date{*number, month{numberIn(text.substr(1, 2))},
-                            day{numberIn(text.substr(4, 2))}};
-    const unsigned hour = numberIn(text.substr(7, 2));
-    const unsigned minute = numberIn(text.substr(10, 2));
-    const unsigned second = numberIn(text.substr(13, 2));
+    const CalendarDate date{*number, month{numberAt(text, 1)}, day{numberAt(text, 4)}};
+    const unsigned hour = numberAt(text, 7);
+    const unsigned minute = numberAt(text, 10);
+    const unsigned second = numberAt(text, 13);
     if (!withinACycle(date).ok() || hour > 23 || minute > 59 || second > 59) return std::nullopt;
     return Date{inDouble(sinceEpoch(date) + seconds{(hour * 60 + minute) * 60 + second})};
 }
 
-std::string formatDate(Date date) {
+char* formatDate(char* text, Date date) {
     const auto time = epoch + wholeSeconds(date);
     const auto midnight = std::chrono::floor<days>(time);
     const CalendarDate today = calendarDate(midnight);
     const auto second = static_cast<unsigned>((time - midnight).count());
-    return yearText(today.year) + '-' + padded(static_cast<unsigned>(today.inYear), 2) + '-' +
-           padded(static_cast<unsigned>(today.inMonth), 2) + 'T' + padded(second / 3600, 2) + ':' +
-           padded(second / 60 % 60, 2) + ':' + padded(second % 60, 2) + 'Z';
+    text = putYear(text, today.year);
+    text = putPart(text, '-', static_cast<unsigned>(today.inYear));
+    text = putPart(text, '-', static_cast<unsigned>(today.inMonth));
+    text = putPart(text, 'T', second / 3600);
+    text = putPart(text, ':', second / 60 % 60);
+    text = putPart(text, ':', second % 60);
+    *text++ = 'Z';
+    return text;
 }
 
 }  // namespace quillet::standin

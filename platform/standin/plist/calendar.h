@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <optional>
-#include <string>
 #include <string_view>
 
 #include "platform/standin/plist/value.h"
@@ -14,8 +14,12 @@ namespace quillet::standin {
 /// such second.
 std::optional<Date> parseDate(std::string_view text);
 
-/// The whole second that `date` falls in, as parseDate takes it. A date outside those years gives
-/// the first or the last second of them; what is no number gives the first second of year 1.
-std::string formatDate(Date date);
+/// What formatDate writes at most, in bytes.
+inline constexpr std::size_t maxDateSize = 27;
+
+/// Writes the whole second that `date` falls in, as parseDate takes it, to `text`, which has room
+/// for maxDateSize bytes, and returns where it ends. A date outside those years gives the first or
+/// the last second of them; what is no number gives the first second of year 1.
+char* formatDate(char* text, Date date);
 
 }  // namespace quillet::standin

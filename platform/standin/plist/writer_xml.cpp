@@ -3,14 +3,12 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
-#include "platform/standin/plist/calendar.h"
 #include "platform/standin/plist/plain_text.h"
 #include "platform/standin/plist/xml_sinks.h"
 
@@ -26,23 +24,6 @@ constexpr std::string_view epilog = "</plist>\n";
 
 /// A line of data: 68 characters, which stand for 51 bytes.
 constexpr std::size_t bytesInLine = 51;
-
-/// A short text that a number or a character is written as.
-struct Word {
-    std::array<char, 32> characters;
-    std::size_t size;
-
-    std::string_view text() const { return {characters.data(), size}; }
-};
-
-template <class Number>
-Word decimal(Number number) {
-    Word word{};
-    char* const begin = word.characters.data();
-    const auto end = std::to_chars(begin, begin + word.characters.size(), number);
-    word.size = static_cast<std::size_t>(end.ptr - begin);
-    return word;
-}
 
 /// By character: what stands for the control characters that XML cannot hold as they are.
 constexpr auto controlReferences = [] {
@@ -106,10 +87,10 @@ private:
                 sink_.put(node->integer != 0 ? "<true/>\n" : "<false/>\n");
                 break;
             case Kind::integer:
-                putInteger(decimal(node->integer));
+                putInteger(node->integer);
                 break;
             case Kind::unsignedInteger:
-                putInteger(decimal(node->number));
+                putInteger(node->number);
                 break;
             case Kind::real:
                 putReal(node->real);
@@ -145,7 +126,7 @@ private:
         sink_.put("</key>\n");
     }
 
-    void open(const Node& node, std::string_view tag, std::string_view emptyTag) {
+    [[gnu::noinline]] void open(const Node& node, std::string_view tag, std::string_view emptyTag) {
         if (node.count == 0) return sink_.put(emptyTag);
         sink_.put(tag);
         open_.push_back({node.next(), node.kind == Kind::dictionary});
@@ -158,41 +139,42 @@ private:
         sink_.put(isDictionary ? "</dict>\n" : "</array>\n");
     }
 
-    void putInteger(const Word& word) {
+    template <class Integer>
+    void putInteger(Integer number) {
         sink_.put("<integer>");
-        sink_.put(word.text());
+        sink_.putNumber(number);
         sink_.put("</integer>\n");
     }
 
-    void putReal(double number) {
+    [[gnu::noinline]] void putReal(double number) {
         sink_.put("<real>");
         if (std::isnan(number)) {
             sink_.put("nan");
         } else if (std::isinf(number)) {
             sink_.put(number < 0 ? "-infinity" : "+infinity");
         } else {
-            sink_.put(decimal(number).text());
+            sink_.putNumber(number);
         }
         sink_.put("</real>\n");
     }
 
     void putDate(Date date) {
         sink_.put("<date>");
-        sink_.put(formatDate(date));
+        sink_.putDate(date);
         sink_.put("</date>\n");
     }
 
-    void putUID(std::uint64_t number) {
+    [[gnu::noinline]] void putUID(std::uint64_t number) {
         sink_.put("<dict>\n");
         sink_.putTabs(open_.size() + 1);
         sink_.put("<key>CF$UID</key>\n");
         sink_.putTabs(open_.size() + 1);
-        putInteger(decimal(number));
+        putInteger(number);
         sink_.putTabs(open_.size());
         sink_.put("</dict>\n");
     }
 
-    void putData(std::string_view bytes) {
+    [[gnu::noinline]] void putData(std::string_view bytes) {
         sink_.put("<data>\n");
         for (; !bytes.empty(); bytes.remove_prefix(std::min(bytes.size(), bytesInLine))) {
             sink_.putTabs(open_.size());
@@ -205,7 +187,10 @@ private:
 
     void putText(const Node& node) {
         if (node.isPlain) return sink_.put(node.text());
-        std::string_view text = node.text();
+        putEscaped(node.text());
+    }
+
+    [[gnu::noinline]] void putEscaped(std::string_view text) {
         for (;;) {
             const auto* const end = std::find_if(text.begin(), text.end(), needsEscape);
             sink_.put(std::string_view{text.begin(), end});
@@ -228,7 +213,7 @@ std::optional<std::string> writeXML(const Node& root, std::size_t limit) {
     std::string text(measure.size() + tabs.size(), '\0');
     Pen pen{text.data()};
     Writer{pen}.write(root);
-    text.resize(measure.size());
+    text.resize(static_cast<std::size_t>(pen.next() - text.data()));
     return text;
 }
 

@@ -1,18 +1,23 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <charconv>
 #include <cstddef>
 #include <cstring>
 #include <string_view>
 
 #include "platform/standin/plist/base64.h"
+#include "platform/standin/plist/calendar.h"
 
 namespace quillet::standin {
 
 /// As many as a line of a usual file begins with, and more.
 inline constexpr std::string_view tabs = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
 
-/// What measures: the sink that only counts.
+/// The longest number in decimals, in bytes: a double's 17 digits, point, sign and exponent.
+inline constexpr std::size_t maxNumberSize = 24;
+
+/// What measures: the sink that only counts, numbers and dates as long as they can be.
 class Measure {
 public:
     explicit Measure(std::size_t limit) : limit_{limit} {}
@@ -20,6 +25,11 @@ public:
     void put(std::string_view text) { size_ += text.size(); }
     void put(char /*c*/) { ++size_; }
     void putTabs(std::size_t count) { size_ += count; }
+    template <class Number>
+    void putNumber(Number /*number*/) {
+        size_ += maxNumberSize;
+    }
+    void putDate(Date /*date*/) { size_ += maxDateSize; }
     void putBase64(std::string_view bytes) { size_ += base64Size(bytes.size()); }
 
     std::size_t size() const { return size_; }
@@ -43,12 +53,18 @@ public:
         std::memcpy(next_, tabs.data(), tabs.size());
         next_ += count;
     }
+    template <class Number>
+    void putNumber(Number number) {
+        next_ = std::to_chars(next_, next_ + maxNumberSize, number).ptr;
+    }
+    void putDate(Date date) { next_ = formatDate(next_, date); }
     void putBase64(std::string_view bytes) {
         encodeBase64(bytes, next_);
         next_ += base64Size(bytes.size());
     }
 
     static bool isFull() { return false; }
+    const char* next() const { return next_; }
 
 private:
     char* next_;
