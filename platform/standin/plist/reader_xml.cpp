@@ -84,22 +84,38 @@ Node dataNode(std::string_view digits) {
 }
 
 /// The value of an element other than a container, from its name and its text.
-std::optional<Node> scalarOf(std::string_view name, XMLScanner::Text text) {
-    if (name == "string") return stringNode(text.characters, text.isPlain);
-    if (name == "integer") return integerIn(trimmed(text.characters));
-    if (name == "true") return flagIn(true, text.characters);
-    if (name == "false") return flagIn(false, text.characters);
-    if (name == "real") return realNodeIn(trimmed(text.characters));
-    if (name == "date") return dateIn(text.characters);
-    if (name == "data") return dataNode(text.characters);
-    return std::nullopt;
+std::optional<Node> scalarOf(XMLName name, XMLScanner::Text text) {
+    switch (name) {
+        case xmlName("string"):
+            return stringNode(text.characters, text.isPlain);
+        case xmlName("integer"):
+            return integerIn(trimmed(text.characters));
+        case xmlName("true"):
+            return flagIn(true, text.characters);
+        case xmlName("false"):
+            return flagIn(false, text.characters);
+        case xmlName("real"):
+            return realNodeIn(trimmed(text.characters));
+        case xmlName("date"):
+            return dateIn(text.characters);
+        case xmlName("data"):
+            return dataNode(text.characters);
+        default:
+            return std::nullopt;
+    }
 }
 
-std::optional<Enclosure> enclosureNamed(std::string_view name) {
-    if (name == "dict") return Enclosure::dictionary;
-    if (name == "array") return Enclosure::array;
-    if (name == "plist") return Enclosure::wrapper;
-    return std::nullopt;
+std::optional<Enclosure> enclosureNamed(XMLName name) {
+    switch (name) {
+        case xmlName("dict"):
+            return Enclosure::dictionary;
+        case xmlName("array"):
+            return Enclosure::array;
+        case xmlName("plist"):
+            return Enclosure::wrapper;
+        default:
+            return std::nullopt;
+    }
 }
 
 /// Puts an archive's identifier in place of a dictionary {"CF$UID": number}, if the last value is
@@ -158,7 +174,8 @@ private:
         const auto text = tag.kind == TagKind::empty ? XMLScanner::Text{{}, true} : scanner_.text();
         if (!text) return false;
         if (tag.kind == TagKind::start && !scanner_.takeEnd(tag.name)) return false;
-        if (tag.name == "key") return builder_.addKey(stringNode(text->characters, text->isPlain));
+        if (tag.name == xmlName("key"))
+            return builder_.addKey(stringNode(text->characters, text->isPlain));
         const auto value = scalarOf(tag.name, *text);
         return value && builder_.add(*value);
     }

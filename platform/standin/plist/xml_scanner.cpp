@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
@@ -22,12 +23,23 @@ constexpr auto tableOf(std::string_view characters) {
     return table;
 }
 
+/// What most lines begin with, in the order of eightBytes().
+constexpr std::uint64_t newLine = xmlName("\n\t\t\t\t\t\t\t");
+/// The bit that letters have and what ends a name has not.
+constexpr std::uint64_t letterBits = 0x4040404040404040U;
+
 constexpr auto spaces = tableOf(" \t\r\n");
 constexpr auto nameEnds = tableOf("/> \t\r\n");
 
 bool isWhiteSpace(char c) { return spaces[static_cast<unsigned char>(c)]; }
 
 bool endsName(char c) { return nameEnds[static_cast<unsigned char>(c)]; }
+
+/// How many of the first seven bytes are zero, the lowest being the first.
+std::size_t zeroBytes(std::uint64_t bytes) {
+    constexpr std::uint64_t inTheEighth = std::uint64_t{1} << 63U;
+    return static_cast<std::size_t>(std::countr_zero(bytes | inTheEighth)) / 8;
+}
 
 /// The character that a numeric reference's content stands for, without "#": "65" or "x41".
 std::optional<std::uint32_t> characterNumber(std::string_view text) {
@@ -66,8 +78,25 @@ bool XMLScanner::skipPast(std::string_view token) {
     return true;
 }
 
-void XMLScanner::skipWhiteSpace() {
-    while (next_ != end_ && isWhiteSpace(*next_)) ++next_;
+/// The bytes up to the end, of which there are fewer than eight; see eightBytes.
+std::uint64_t XMLScanner::lastBytes() const {
+    std::array<char, 8> bytes{};
+    rest().copy(bytes.data(), bytes.size());
+    return xmlName({bytes.data(), bytes.size()});
+}
+
+/// The next eight bytes as a number, the first in its lowest byte; zeros stand for those beyond the
+/// end.
+inline std::uint64_t XMLScanner::eightBytes() const {
+    std::uint64_t bytes = 0;
+    if (rest().size() < sizeof bytes) return lastBytes();
+    std::memcpy(&bytes, next_, sizeof bytes);
+    return std::endian::native == std::endian::big ? __builtin_bswap64(bytes) : bytes;
+}
+
+inline void XMLScanner::skipWhiteSpace() {
+    next_ += zeroBytes(eightBytes() ^ newLine);
+    while (isWhiteSpace(*next_)) ++next_;
 }
 
 /// Past the rest of a document type. What its internal subset declares is not used.
@@ -92,28 +121,34 @@ bool XMLScanner::skipDocumentType() {
     return false;
 }
 
-/// Past what may stand between tags. False when it is malformed.
-bool XMLScanner::skipMarkup() {
-    for (;;) {
+/// Past white space and what else may stand between tags. False when that is malformed.
+inline bool XMLScanner::skipToTag() {
+    skipWhiteSpace();
+    while (*next_ == '<' && (next_[1] == '!' || next_[1] == '?')) {
+        if (!skipMarkup()) return false;
         skipWhiteSpace();
-        if (!isAt("<!") && !isAt("<?")) return true;
-        if (consume("<!--")) {
-            if (!skipPast("-->")) return false;
-        } else if (consume("<?")) {
-            if (!skipPast("?>")) return false;
-        } else if (isBeforeFirstTag_ && consume("<!DOCTYPE")) {
-            isBeforeFirstTag_ = false;
-            if (!skipDocumentType()) return false;
-        } else {
-            return true;
-        }
     }
+    return true;
 }
 
-std::string_view XMLScanner::takeName() {
-    const char* const start = next_;
-    while (next_ != end_ && !endsName(*next_)) ++next_;
-    return {start, static_cast<std::size_t>(next_ - start)};
+/// Past a comment, a processing instruction or, before the first tag, a document type.
+bool XMLScanner::skipMarkup() {
+    if (consume("<!--")) return skipPast("-->");
+    if (consume("<?")) return skipPast("?>");
+    if (!isBeforeFirstTag_ || !consume("<!DOCTYPE")) return false;
+    isBeforeFirstTag_ = false;
+    return skipDocumentType();
+}
+
+inline XMLName XMLScanner::takeName() {
+    const std::uint64_t bytes = eightBytes();
+    const std::size_t letters = zeroBytes(~bytes & letterBits);
+    if (endsName(next_[letters])) {
+        next_ += letters;
+        return bytes & ((std::uint64_t{1} << 8 * letters) - 1);
+    }
+    next_ = std::find_if(next_, end_, endsName);
+    return 0;
 }
 
 /// Past the rest of a start tag, but for "/>" or ">".
@@ -126,34 +161,31 @@ bool XMLScanner::skipAttributes() {
     return true;
 }
 
-XMLScanner::Tag XMLScanner::startTag() {
+inline XMLScanner::Tag XMLScanner::startTag() {
     isBeforeFirstTag_ = false;
-    const std::string_view name = takeName();
-    if (!isAt(">") && !skipAttributes()) return {Kind::malformed, {}};
+    const XMLName name = takeName();
+    if (consume(">")) return {Kind::start, name};
+    if (!skipAttributes()) return {Kind::malformed, 0};
     if (consume(">")) return {Kind::start, name};
     if (consume("/>")) return {Kind::empty, name};
-    return {Kind::malformed, {}};
+    return {Kind::malformed, 0};
 }
 
-XMLScanner::Tag XMLScanner::endTag() {
-    const std::string_view name = takeName();
+inline XMLScanner::Tag XMLScanner::endTag() {
+    const XMLName name = takeName();
+    if (consume(">")) return {Kind::end, name};
     skipWhiteSpace();
-    if (!consume(">")) return {Kind::malformed, {}};
-    return {Kind::end, name};
+    if (consume(">")) return {Kind::end, name};
+    return {Kind::malformed, 0};
 }
 
 XMLScanner::Tag XMLScanner::next() {
-    if (!skipMarkup() || !consume("<")) return {Kind::malformed, {}};
+    if (!skipToTag() || !consume("<")) return {Kind::malformed, 0};
     return consume("/") ? endTag() : startTag();
 }
 
-bool XMLScanner::takeEnd(std::string_view name) {
-    const std::string_view text = rest();
-    const std::size_t size = name.size() + 3;
-    const bool isUsual = text.size() >= size && text.starts_with("</") &&
-                         text.substr(2, name.size()) == name && text[size - 1] == '>';
-    if (isUsual) next_ += size;
-    return isUsual || (consume("</") && endTag().name == name);
+bool XMLScanner::takeEnd(XMLName name) {
+    return name != 0 && consume("</") && endTag().name == name;
 }
 
 bool XMLScanner::takeReference(char*& text) {

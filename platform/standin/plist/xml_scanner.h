@@ -2,11 +2,25 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace quillet::standin {
+
+/// A name of up to seven letters as a number, the first one in the lowest byte. Every other name
+/// has 0 or a number that none of those has.
+using XMLName = std::uint64_t;
+
+constexpr XMLName xmlName(std::string_view letters) {
+    XMLName name = 0;
+    for (std::size_t i = letters.size(); i > 0; --i) {
+        name = name << 8 | static_cast<unsigned char>(letters[i - 1]);
+    }
+    return name;
+}
 
 /// One forward pass over an XML document in UTF-8: the tags between elements and the text within
 /// one. Knows of no element's meaning; defines no entities but XML's own five.
@@ -15,8 +29,8 @@ public:
     enum class Kind { start, end, empty, malformed };
     struct Tag {
         Kind kind;
-        /// A part of the document. Empty when it is malformed.
-        std::string_view name;
+        /// 0 when it is malformed.
+        XMLName name;
     };
     struct Text {
         std::string_view characters;
@@ -37,15 +51,18 @@ public:
     /// no UTF-8 or holds another element.
     std::optional<Text> text();
 
-    /// Takes the end tag of `name`. False when something else comes next.
-    bool takeEnd(std::string_view name);
+    /// Takes the end tag of `name`. False when something else comes next, or the name is 0.
+    bool takeEnd(XMLName name);
 
     /// How far the scanner has come, in bytes.
     std::size_t offset() const { return static_cast<std::size_t>(next_ - start_); }
 
 private:
     std::string_view rest() const { return {next_, static_cast<std::size_t>(end_ - next_)}; }
-    bool isAt(std::string_view token) const { return rest().starts_with(token); }
+    bool isAt(std::string_view token) const {
+        // Not starts_with(), which the compiler makes a call of.
+        return rest().size() >= token.size() && std::memcmp(next_, token.data(), token.size()) == 0;
+    }
     bool consume(std::string_view token) {
         if (!isAt(token)) return false;
         next_ += token.size();
@@ -53,9 +70,12 @@ private:
     }
     bool skipPast(std::string_view token);
     void skipWhiteSpace();
+    bool skipToTag();
     bool skipMarkup();
     bool skipDocumentType();
-    std::string_view takeName();
+    std::uint64_t eightBytes() const;
+    std::uint64_t lastBytes() const;
+    XMLName takeName();
     Tag startTag();
     bool skipAttributes();
     Tag endTag();
