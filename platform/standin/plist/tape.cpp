@@ -15,18 +15,6 @@ struct Pair {
     const Node* b;
 };
 
-/// A dictionary's keys in their order, each followed by its value.
-std::vector<const Node*> sortedKeys(const Node& dictionary) {
-    std::vector<const Node*> keys;
-    keys.reserve(dictionary.count);
-    for (const Node* key = &dictionary + 1; key != dictionary.next(); key = (key + 1)->next()) {
-        keys.push_back(key);
-    }
-    std::sort(keys.begin(), keys.end(),
-              [](const Node* a, const Node* b) { return a->text() < b->text(); });
-    return keys;
-}
-
 void pushElements(std::vector<Pair>& open, Pair arrays) {
     const Node* b = arrays.b + 1;
     for (const Node* a = arrays.a + 1; a != arrays.a->next(); a = a->next()) {
@@ -110,13 +98,17 @@ Node textNode(Kind kind, std::string_view text) {
     return node;
 }
 
-Node stringNode(std::string_view text, bool isPlain) {
-    Node node;
-    node.kind = Kind::string;
-    node.isPlain = isPlain;
-    node.size = static_cast<std::uint32_t>(text.size());
-    node.bytes = text.data();
-    return node;
+std::vector<const Node*> sortedKeys(const Node& dictionary) {
+    std::vector<const Node*> keys;
+    keys.reserve(dictionary.count);
+    for (const Node* key = &dictionary + 1; key != dictionary.next(); key = (key + 1)->next()) {
+        keys.push_back(key);
+    }
+    std::sort(keys.begin(), keys.end(), [](const Node* a, const Node* b) {
+        const int order = compareKeys(a->text(), b->text());
+        return order != 0 ? order < 0 : a < b;
+    });
+    return keys;
 }
 
 bool areEqual(const Node& a, const Node& b) {

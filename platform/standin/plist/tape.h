@@ -58,11 +58,28 @@ Node uidNode(std::uint64_t number);
 /// Shares `text`. Looks through a string for what XML cannot hold as it is.
 Node textNode(Kind kind, std::string_view text);
 /// A string of which that is known.
-Node stringNode(std::string_view text, bool isPlain);
+inline Node stringNode(std::string_view text, bool isPlain) {
+    Node node;
+    node.kind = Kind::string;
+    node.isPlain = isPlain;
+    node.size = static_cast<std::uint32_t>(text.size());
+    node.bytes = text.data();
+    return node;
+}
 
 /// Whether both values are of one kind and equal; dictionaries with the same entries in whatever
 /// order are.
 bool areEqual(const Node& a, const Node& b);
+
+/// The order of keys: below, at or above 0 as `a` stands before, with or after `b`. The shorter one
+/// comes first, as lengths are compared sooner than bytes.
+inline int compareKeys(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
+    return a.compare(b);
+}
+
+/// A dictionary's keys, each followed by its value, in that order; of equal ones the earlier first.
+std::vector<const Node*> sortedKeys(const Node& dictionary);
 
 /// A property-list value as a row of nodes, in the order of a file: containers before what they
 /// hold, each key before its value. No part of it points at another, so however deep a value nests,

@@ -8,64 +8,42 @@
 namespace quillet::standin {
 namespace {
 
+bool areSame(const Node* a, const Node* b) { return a->text() == b->text(); }
+
+/// A key's first entry, and the one whose value counts.
 struct Member {
     const Node* key;
-    /// The key of the entry whose value counts, or null when an earlier entry has that key.
     const Node* counted;
 };
 
-std::vector<Member> membersOf(const Node& dictionary) {
+/// One for each of the keys, which are sorted, in the order of their first entries.
+std::vector<Member> membersOf(const std::vector<const Node*>& keys, Counts counts) {
     std::vector<Member> members;
-    members.reserve(dictionary.count);
-    for (const Node* key = &dictionary + 1; key != dictionary.next(); key = (key + 1)->next()) {
-        members.push_back({key, key});
-    }
-    return members;
-}
-
-/// The members by key, those with one key in their own order.
-std::vector<Member*> sortedByKey(std::vector<Member>& members) {
-    std::vector<Member*> sorted;
-    sorted.reserve(members.size());
-    for (Member& member : members) sorted.push_back(&member);
-    std::sort(sorted.begin(), sorted.end(), [](const Member* a, const Member* b) {
-        const int order = a->key->text().compare(b->key->text());
-        return order != 0 ? order < 0 : a->key < b->key;
-    });
-    return sorted;
-}
-
-/// Whether any two have one key; the first of them then tells which entry counts.
-bool findDuplicates(std::vector<Member>& members, Counts counts) {
-    bool isAny = false;
-    Member* first = nullptr;
-    for (Member* member : sortedByKey(members)) {
-        if (first == nullptr || first->key->text() != member->key->text()) {
-            first = member;
-            continue;
+    for (const Node* key : keys) {
+        if (members.empty() || !areSame(members.back().key, key)) {
+            members.push_back({key, key});
+        } else if (counts == Counts::last) {
+            members.back().counted = key;
         }
-        isAny = true;
-        member->counted = nullptr;
-        if (counts == Counts::last) first->counted = member->key;
     }
-    return isAny;
+    std::sort(members.begin(), members.end(),
+              [](const Member& a, const Member& b) { return a.key < b.key; });
+    return members;
 }
 
 }  // namespace
 
 void settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts) {
-    auto members = membersOf(nodes[place]);
-    if (!findDuplicates(members, counts)) return;
+    const auto keys = sortedKeys(nodes[place]);
+    if (std::adjacent_find(keys.begin(), keys.end(), areSame) == keys.end()) return;
+    const auto members = membersOf(keys, counts);
     std::vector<Node> left;
-    std::size_t count = 0;
     for (const auto& [key, counted] : members) {
-        if (counted == nullptr) continue;
-        ++count;
         left.push_back(*key);
         left.insert(left.end(), counted + 1, counted[1].next());
     }
     nodes.resize(place + 1);
-    nodes[place].count = count;
+    nodes[place].count = members.size();
     nodes[place].size = static_cast<std::uint32_t>(left.size());
     nodes.insert(nodes.end(), left.begin(), left.end());
 }
