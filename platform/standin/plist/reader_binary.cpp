@@ -98,8 +98,9 @@ private:
         return true;
     }
 
+    /// Eight bytes can be read wherever a number begins: the trailer comes after all of them.
     std::uint64_t takeReference(std::string_view& references) const {
-        const std::uint64_t reference = bigEndian(references.substr(0, trailer_.referenceSize));
+        const auto reference = bigEndianAt(references.data(), trailer_.referenceSize);
         references.remove_prefix(trailer_.referenceSize);
         return reference;
     }
@@ -109,7 +110,7 @@ private:
         if (reference >= trailer_.objects) return std::nullopt;
         const std::size_t entry =
             trailer_.offsets + static_cast<std::size_t>(reference) * trailer_.offsetSize;
-        const std::uint64_t offset = bigEndian(file_.substr(entry, trailer_.offsetSize));
+        const std::uint64_t offset = bigEndianAt(file_.data() + entry, trailer_.offsetSize);
         fault_.offset = entry;
         if (offset < headerSize || offset >= trailer_.offsets) return std::nullopt;
         fault_.offset = static_cast<std::size_t>(offset);
@@ -155,9 +156,9 @@ private:
         if (text.kind == Kind::string || text.kind == Kind::data) return &text;
         const auto stored = textIn(object);
         if (!stored) return nullptr;
-        const bool isASCII = stored->kind == Kind::string && !stored->isUTF16 &&
-                             plainLength(stored->bytes) == stored->bytes.size();
-        if (isASCII) return &(text = stringNode(stored->bytes, true));
+        const bool isBytes = stored->kind == Kind::string && !stored->isUTF16;
+        if (isBytes && isPlainASCII(stored->bytes))
+            return &(text = stringNode(stored->bytes, true));
         text = textNode(stored->kind, stored->bytes);
         if (text.kind == Kind::data) return &text;
         std::string decoded;

@@ -9,17 +9,6 @@
 namespace quillet::standin {
 namespace {
 
-constexpr unsigned countFollows = 15;
-
-std::optional<std::uint64_t> countAfter(StoredObject& object) {
-    if (object.rest.empty()) return std::nullopt;
-    const std::uint64_t first = bigEndian(takeBytes(object, 1));
-    const std::size_t size = std::size_t{1} << (first & 0x0FU);
-    const bool isInteger = static_cast<Marker>(first >> 4) == Marker::integer;
-    if (!isInteger || size > 16 || object.rest.size() < size) return std::nullopt;
-    return bigEndian(takeBytes(object, size));
-}
-
 std::optional<Node> flagIn(const StoredObject& object) {
     constexpr unsigned no = 8;
     constexpr unsigned yes = 9;
@@ -69,17 +58,13 @@ std::optional<Node> uidIn(StoredObject object) {
 
 }  // namespace
 
-std::string_view takeBytes(StoredObject& object, std::size_t size) {
-    const std::string_view bytes = object.rest.substr(0, size);
-    object.rest.remove_prefix(size);
-    return bytes;
-}
-
-std::optional<std::size_t> takeCount(StoredObject& object, std::size_t elementSize) {
-    const auto count = object.info == countFollows ? countAfter(object)
-                                                   : std::optional<std::uint64_t>{object.info};
-    if (!count || *count > object.rest.size() / elementSize) return std::nullopt;
-    return static_cast<std::size_t>(*count);
+std::optional<std::uint64_t> takeLongCount(StoredObject& object) {
+    if (object.rest.empty()) return std::nullopt;
+    const auto first = static_cast<unsigned char>(takeBytes(object, 1).front());
+    const std::size_t size = std::size_t{1} << (first & 0x0FU);
+    const bool isInteger = static_cast<Marker>(first >> 4) == Marker::integer;
+    if (!isInteger || size > 16 || object.rest.size() < size) return std::nullopt;
+    return bigEndianAt(takeBytes(object, size).data(), size);
 }
 
 std::optional<Node> singleIn(StoredObject object) {
@@ -97,17 +82,6 @@ std::optional<Node> singleIn(StoredObject object) {
         default:
             return std::nullopt;
     }
-}
-
-std::optional<StoredText> textIn(StoredObject object) {
-    const bool isData = object.marker == Marker::data;
-    const bool isUTF16 = object.marker == Marker::utf16;
-    if (!isData && !isUTF16 && object.marker != Marker::ascii) return std::nullopt;
-    const std::size_t unitSize = isUTF16 ? 2 : 1;
-    const auto count = takeCount(object, unitSize);
-    if (!count) return std::nullopt;
-    return StoredText{isData ? Kind::data : Kind::string, isUTF16,
-                      takeBytes(object, *count * unitSize)};
 }
 
 bool decode(const StoredText& stored, std::string& text) {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -49,7 +51,18 @@ inline std::uint64_t bigEndian(std::string_view bytes) {
     return number;
 }
 
-/// An object's first byte, split, and what follows it up to the end of all objects.
+/// The same of `size` bytes, 1 to 16, at a place where no fewer than eight can be read.
+inline std::uint64_t bigEndianAt(const char* bytes, std::size_t size) {
+    constexpr std::size_t most = sizeof(std::uint64_t);
+    if (size > most) return bigEndianAt(bytes + (size - most), most);
+    std::uint64_t number = 0;
+    std::memcpy(&number, bytes, most);
+    if constexpr (std::endian::native == std::endian::little) number = __builtin_bswap64(number);
+    return number >> 8 * (most - size);
+}
+
+/// An object's first byte, split, and what follows it up to the end of all objects, after which a
+/// trailer comes: sixteen bytes more can be read.
 struct StoredObject {
     Marker marker = Marker::flag;
     unsigned info = 0;
@@ -57,11 +70,30 @@ struct StoredObject {
 };
 
 /// Takes the next `size` bytes, which must be there.
-std::string_view takeBytes(StoredObject& object, std::size_t size);
+inline std::string_view takeBytes(StoredObject& object, std::size_t size) {
+    const std::string_view bytes = object.rest.substr(0, size);
+    object.rest.remove_prefix(size);
+    return bytes;
+}
+
+/// The info of an object whose count is an object of its own.
+inline constexpr unsigned countFollows = 15;
+
+/// Takes the count that follows an object's first byte. Nothing when it is cut short.
+std::optional<std::uint64_t> takeLongCount(StoredObject& object);
 
 /// Takes an object's count. Nothing when the object lacks the room for so many elements of
 /// `elementSize` bytes.
-std::optional<std::size_t> takeCount(StoredObject& object, std::size_t elementSize);
+inline std::optional<std::size_t> takeCount(StoredObject& object, std::size_t elementSize) {
+    std::uint64_t count = object.info;
+    if (object.info == countFollows) {
+        const auto longCount = takeLongCount(object);
+        if (!longCount || *longCount > object.rest.size()) return std::nullopt;
+        count = *longCount;
+    }
+    if (count * elementSize > object.rest.size()) return std::nullopt;
+    return static_cast<std::size_t>(count);
+}
 
 /// The value of an object that is neither a text nor a container. Nothing when it is malformed.
 std::optional<Node> singleIn(StoredObject object);
@@ -74,7 +106,16 @@ struct StoredText {
 };
 
 /// Nothing for another object, or one that is cut short.
-std::optional<StoredText> textIn(StoredObject object);
+inline std::optional<StoredText> textIn(StoredObject object) {
+    const bool isData = object.marker == Marker::data;
+    const bool isUTF16 = object.marker == Marker::utf16;
+    if (!isData && !isUTF16 && object.marker != Marker::ascii) return std::nullopt;
+    const std::size_t unitSize = isUTF16 ? 2 : 1;
+    const auto count = takeCount(object, unitSize);
+    if (!count) return std::nullopt;
+    return StoredText{isData ? Kind::data : Kind::string, isUTF16,
+                      takeBytes(object, *count * unitSize)};
+}
 
 /// Puts a string's characters into `text`. False when its bytes are UTF-8 as they are.
 bool decode(const StoredText& stored, std::string& text);
