@@ -12,7 +12,7 @@ using standin::Device;
 NSBundle NSBundle::bundleForClass(Class cls) {
     Device& device = Device::current();
     BundleFolder& bundle = device.framework.bundleOf(cls);
-    device.trace.message("NSBundle", "bundleForClass:", cls, Answer{bundle.description()});
+    device.trace.message("NSBundle", "bundleForClass:", cls, Answer{bundle});
     return standin::share<NSBundle>(&bundle);
 }
 
@@ -20,7 +20,7 @@ NSString NSBundle::bundleIdentifier() const {
     return standin::send<BundleFolder>(*this, [](const BundleFolder& bundle) {
         const std::string identifier = bundle.identifier();
         const NSString answer = identifier.empty() ? NSString{} : standin::makeString(identifier);
-        Device::current().trace.message(bundle.description(), "bundleIdentifier", Answer{answer});
+        Device::current().trace.message(bundle, "bundleIdentifier", Answer{answer});
         return answer;
     });
 }

@@ -8,13 +8,11 @@ namespace quillet {
 using standin::Answer;
 using standin::Device;
 using standin::Instance;
-using standin::TraceValue;
 
 AVSystemController AVSystemController::sharedAVSystemController() {
     Device& device = Device::current();
     Instance& controller = *device.shared.volumeController;
-    device.trace.message("AVSystemController", "sharedAVSystemController",
-                         Answer{controller.description()});
+    device.trace.message("AVSystemController", "sharedAVSystemController", Answer{controller});
     return standin::share<AVSystemController>(&controller);
 }
 
@@ -23,8 +21,7 @@ BOOL AVSystemController::getVolume(float* volume, NSString forCategory) const {
         Device& device = Device::current();
         const auto found = device.hardware.volume(standin::text(forCategory));
         if (found) *volume = *found;
-        device.trace.message(controller.description(), "getVolume:forCategory:",
-                             found ? standin::toTrace(*found) : TraceValue{}, forCategory,
+        device.trace.message(controller, "getVolume:forCategory:", found, forCategory,
                              Answer{found.has_value()});
         return found.has_value();
     });
@@ -34,8 +31,8 @@ BOOL AVSystemController::setVolumeTo(float volume, NSString forCategory) const {
     return standin::send(*this, [&](const Instance& controller) -> BOOL {
         Device& device = Device::current();
         const bool isSet = device.hardware.setVolume(standin::text(forCategory), volume);
-        device.trace.message(controller.description(), "setVolumeTo:forCategory:", volume,
-                             forCategory, Answer{isSet});
+        device.trace.message(controller, "setVolumeTo:forCategory:", volume, forCategory,
+                             Answer{isSet});
         return isSet;
     });
 }

@@ -13,14 +13,14 @@ using standin::Instance;
 FSSwitchPanel FSSwitchPanel::sharedPanel() {
     Device& device = Device::current();
     Instance& panel = *device.shared.switchPanel;
-    device.trace.message("FSSwitchPanel", "sharedPanel", Answer{panel.description()});
+    device.trace.message("FSSwitchPanel", "sharedPanel", Answer{panel});
     return standin::share<FSSwitchPanel>(&panel);
 }
 
 void FSSwitchPanel::stateDidChangeForSwitchIdentifier(NSString identifier) const {
     standin::send(*this, [&](const Instance& panel) {
         Device& device = Device::current();
-        device.trace.message(panel.description(), "stateDidChangeForSwitchIdentifier:", identifier);
+        device.trace.message(panel, "stateDidChangeForSwitchIdentifier:", identifier);
         device.framework.refresh(standin::text(identifier));
     });
 }

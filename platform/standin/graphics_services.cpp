@@ -7,8 +7,8 @@ namespace quillet {
 
 void GSSendAppPreferencesChanged(CFStringRef applicationIdentifier, CFStringRef key) {
     standin::Device::current().trace.function("GSSendAppPreferencesChanged",
-                                              standin::objectTrace(applicationIdentifier),
-                                              standin::objectTrace(key));
+                                              standin::ObjectAt{applicationIdentifier},
+                                              standin::ObjectAt{key});
 }
 
 }  // namespace quillet

@@ -10,6 +10,8 @@ namespace quillet {
 
 using standin::Answer;
 using standin::Device;
+using standin::ObjectAt;
+using standin::Pointer;
 
 namespace {
 
@@ -35,9 +37,8 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef /*center*/, const v
                                      CFNotificationSuspensionBehavior suspensionBehavior) {
     Device& device = Device::current();
     const std::string nameText{standin::text(name)};
-    device.trace.function("CFNotificationCenterAddObserver", centerDescription,
-                          standin::pointerTrace(observer), "<callback>", nameText,
-                          standin::pointerTrace(object), suspensionBehavior);
+    device.trace.function("CFNotificationCenterAddObserver", centerDescription, Pointer{observer},
+                          "<callback>", nameText, Pointer{object}, suspensionBehavior);
     const bool isAdded = device.observers.add(nameText, [=] {
         callback(darwinCenter(), const_cast<void*>(observer), standin::makeString(nameText), object,
                  nullptr);
@@ -53,8 +54,8 @@ void CFNotificationCenterPostNotification(CFNotificationCenterRef /*center*/, CF
                                           Boolean deliverImmediately) {
     Device& device = Device::current();
     device.trace.function("CFNotificationCenterPostNotification", centerDescription,
-                          standin::text(name), standin::objectTrace(object),
-                          standin::pointerTrace(userInfo), deliverImmediately != 0);
+                          standin::text(name), ObjectAt{object}, Pointer{userInfo},
+                          deliverImmediately != 0);
     device.notifications.post(standin::text(name));
 }
 

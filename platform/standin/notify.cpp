@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 #include "platform/standin/device/device.h"
 
@@ -11,7 +12,6 @@ namespace quillet {
 using standin::Answer;
 using standin::Device;
 using standin::Subscription;
-using standin::TraceValue;
 
 namespace {
 
@@ -21,8 +21,8 @@ uint32_t statusOf(const std::shared_ptr<Subscription>& token) {
 
 /// What a call left in an out argument.
 template <class Value>
-TraceValue left(bool isSet, const Value& value) {
-    return isSet ? standin::toTrace(value) : TraceValue{};
+std::optional<Value> left(bool isSet, Value value) {
+    return isSet ? std::optional{value} : std::nullopt;
 }
 
 }  // namespace

@@ -22,7 +22,7 @@ Type read(const Object& receiver, const char* selector, Reading reading) {
         const standin::Value* const value = instance.propertyListValue();
         const auto answer = value != nullptr ? reading(*value) : std::nullopt;
         if (!answer) standin::unrecognizedSelector(instance, selector);
-        Device::current().trace.message(instance.description(), selector, Answer{*answer});
+        Device::current().trace.message(instance, selector, Answer{*answer});
         return *answer;
     });
 }
@@ -47,8 +47,7 @@ Object::~Object() {
 BOOL Object::respondsToSelector(const char* selector) const {
     return send(*this, [&](const Instance& instance) -> BOOL {
         const bool answer = instance.respondsToSelector(selector);
-        Device::current().trace.message(instance.description(), "respondsToSelector:", selector,
-                                        Answer{answer});
+        Device::current().trace.message(instance, "respondsToSelector:", selector, Answer{answer});
         return answer;
     });
 }

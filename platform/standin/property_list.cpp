@@ -11,6 +11,7 @@ namespace quillet {
 
 using standin::adopt;
 using standin::Answer;
+using standin::ClassOf;
 using standin::Device;
 using standin::Instance;
 using standin::send;
@@ -33,7 +34,7 @@ Reference readDictionary(const char* receiver, const char* operation, const NSSt
 void set(const NSMutableDictionary& dictionary, const char* operation, const Object& value,
          const NSString& key) {
     send<ValueInstance>(dictionary, [&](ValueInstance& instance) {
-        Device::current().trace.message(instance.className(), operation, value, key);
+        Device::current().trace.message(ClassOf{instance}, operation, value, key);
         auto& entries = std::get<standin::Dictionary>(instance.value);
         if (value) {
             entries.set(standin::text(key),
@@ -69,7 +70,7 @@ Object NSDictionary::objectForKey(NSString key) const {
     return send<ValueInstance>(*this, [&](const ValueInstance& instance) -> Object {
         const auto value = std::get<standin::Dictionary>(instance.value).find(standin::text(key));
         const auto found = adopt<Object>(value ? new ValueInstance{*value} : nullptr);
-        Device::current().trace.message(instance.className(), "objectForKey:", key, Answer{found});
+        Device::current().trace.message(ClassOf{instance}, "objectForKey:", key, Answer{found});
         return found;
     });
 }
@@ -104,8 +105,8 @@ BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
         Device& device = Device::current();
         const bool written =
             standin::writeDictionary(device.below(standin::text(path)), instance.value);
-        device.trace.message(instance.className(), "writeToFile:atomically:", path,
-                             atomically != NO, Answer{written});
+        device.trace.message(ClassOf{instance}, "writeToFile:atomically:", path, atomically != NO,
+                             Answer{written});
         return written;
     });
 }
@@ -113,7 +114,7 @@ BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
 NSFileManager NSFileManager::defaultManager() {
     Device& device = Device::current();
     Instance& manager = *device.shared.fileManager;
-    device.trace.message("NSFileManager", "defaultManager", Answer{manager.description()});
+    device.trace.message("NSFileManager", "defaultManager", Answer{manager});
     return standin::share<NSFileManager>(&manager);
 }
 
@@ -121,7 +122,7 @@ BOOL NSFileManager::fileExistsAtPath(NSString path) const {
     return send(*this, [&](const Instance& manager) -> BOOL {
         Device& device = Device::current();
         const bool exists = path && standin::mayExist(device.below(standin::text(path)));
-        device.trace.message(manager.description(), "fileExistsAtPath:", path, Answer{exists});
+        device.trace.message(manager, "fileExistsAtPath:", path, Answer{exists});
         return exists;
     });
 }

@@ -20,7 +20,7 @@ NSDate NSDate::dateWithTimeIntervalSinceNow(NSTimeInterval seconds) {
 NSRunLoop NSRunLoop::currentRunLoop() {
     Device& device = Device::current();
     Instance& loop = *device.shared.runLoop;
-    device.trace.message("NSRunLoop", "currentRunLoop", Answer{loop.description()});
+    device.trace.message("NSRunLoop", "currentRunLoop", Answer{loop});
     return standin::share<NSRunLoop>(&loop);
 }
 
@@ -29,7 +29,7 @@ void NSRunLoop::runUntilDate(NSDate limit) const {
         const double time =
             standin::send<DateInstance>(limit, [](const DateInstance& date) { return date.time; });
         Device& device = Device::current();
-        device.trace.message(loop.description(), "runUntilDate:", time);
+        device.trace.message(loop, "runUntilDate:", time);
         device.eventLoop.runUntil(time);
     });
 }

@@ -42,7 +42,7 @@ Reference instanceOf(const Instance& cls, bool isPresent, std::vector<std::strin
         isPresent
             ? new HostInstance{cls.className(), HostInstance::Kind::instance, std::move(selectors)}
             : nullptr);
-    Device::current().trace.message(cls.description(), sharedInstanceSelector, Answer{instance});
+    Device::current().trace.message(cls, sharedInstanceSelector, Answer{instance});
     return instance;
 }
 
@@ -72,7 +72,7 @@ void SBRingerHUDController::activate(int state) const {
             if (!receiver.isClass()) return;
             unrecognizedSelector(receiver, activateSelector);
         }
-        Device::current().trace.message(receiver.description(), activateSelector, state);
+        Device::current().trace.message(receiver, activateSelector, state);
     });
 }
 
@@ -97,7 +97,7 @@ void SBMediaController::setRingerMuted(BOOL muted) const {
             unrecognizedSelector(receiver, muteSelector);
         }
         Device& device = Device::current();
-        device.trace.message(receiver.description(), muteSelector, muted != NO);
+        device.trace.message(receiver, muteSelector, muted != NO);
         device.hardware.setRingerMuted(muted != NO);
     });
 }

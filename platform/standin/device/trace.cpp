@@ -24,19 +24,25 @@ struct Plain {
 
 }  // namespace
 
-TraceValue toTrace(const Object& object) { return objectTrace(object.instance()); }
+TraceValue toTrace(const Object& object) { return toTrace(ObjectAt{object.instance()}); }
 
 TraceValue toTrace(std::string_view text) { return std::string{text}; }
 
-TraceValue objectTrace(const void* object) {
-    if (object == nullptr) return {};
-    const Instance& instance = *instanceOf(object);
+TraceValue toTrace(ObjectAt place) {
+    return place.object == nullptr ? TraceValue{} : toTrace(*instanceOf(place.object));
+}
+
+TraceValue toTrace(const Instance& instance) {
     const Value* const value = instance.propertyListValue();
     return value != nullptr ? std::visit(Plain{instance}, *value) : instance.description();
 }
 
-TraceValue pointerTrace(const void* pointer) {
-    return pointer == nullptr ? TraceValue{} : TraceValue{"<pointer>"};
+TraceValue toTrace(Pointer pointer) {
+    return pointer.address == nullptr ? TraceValue{} : TraceValue{"<pointer>"};
 }
+
+std::string receiverName(const Instance& instance) { return instance.description(); }
+
+std::string receiverName(ClassOf receiver) { return receiver.instance.className(); }
 
 }  // namespace quillet::standin

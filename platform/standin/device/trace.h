@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -16,6 +15,8 @@
 #include "platform/standin/device/clock.h"
 
 namespace quillet::standin {
+
+class Instance;
 
 /// An argument or a result: null, flag, number or text. Objects without a text or a number stand
 /// as a description such as "<NSMutableDictionary: 4 entries>".
@@ -50,18 +51,35 @@ requires std::is_arithmetic_v<Number> TraceValue toTrace(Number number) {
 }
 
 /// The object that a plain pointer refers to; null for a null pointer.
-TraceValue objectTrace(const void* object);
+struct ObjectAt {
+    const void* object;
+};
+TraceValue toTrace(ObjectAt place);
+TraceValue toTrace(const Instance& instance);
 
 /// A pointer to who knows what: null, or "<pointer>".
-TraceValue pointerTrace(const void* pointer);
+struct Pointer {
+    const void* address;
+};
+TraceValue toTrace(Pointer pointer);
 
 inline TraceValue toTrace(const char* text) { return toTrace(std::string_view{text}); }
 inline TraceValue toTrace(std::nullptr_t) { return {}; }
 
-template <std::same_as<TraceValue> Value>
-TraceValue toTrace(Value value) {
-    return value;
+/// Null for nothing.
+template <class Value>
+TraceValue toTrace(const std::optional<Value>& value) {
+    return value ? toTrace(*value) : TraceValue{};
 }
+
+/// The class of an instance as the receiver of a message.
+struct ClassOf {
+    const Instance& instance;
+};
+
+std::string receiverName(const Instance& instance);
+std::string receiverName(ClassOf receiver);
+inline std::string receiverName(std::string_view name) { return std::string{name}; }
 
 /// What an operation answered, to stand behind its arguments.
 template <class Result>
@@ -72,7 +90,8 @@ struct Answer {
 template <class Result>
 Answer(const Result&) -> Answer<Result>;
 
-/// Hands every operation to a sink as it is called, or does nothing while there is none.
+/// Hands every operation to a sink as it is called. While there is none that costs one comparison:
+/// what its parts are is looked at for a sink only.
 class Trace {
 public:
     using Sink = std::function<void(TraceRecord)>;
@@ -86,15 +105,15 @@ public:
     /// Records a call of a C function: its name, its arguments and, where there is one, its Answer.
     template <class... Parts>
     void function(std::string_view name, const Parts&... parts) {
-        message({}, name, parts...);
+        message(std::string_view{}, name, parts...);
     }
 
-    /// Records a message: the receiver's description, the selector, the arguments and, where there
-    /// is one, the Answer.
-    template <class... Parts>
-    void message(std::string_view receiver, std::string_view selector, const Parts&... parts) {
+    /// Records a message: the receiver (an instance, its ClassOf, or the name of a class), the
+    /// selector, the arguments and, where there is one, the Answer.
+    template <class Receiver, class... Parts>
+    void message(const Receiver& receiver, std::string_view selector, const Parts&... parts) {
         if (!sink_) return;
-        TraceRecord record{clock_.now(), std::string{receiver}, std::string{selector}, {}, {}};
+        TraceRecord record{clock_.now(), receiverName(receiver), std::string{selector}, {}, {}};
         (add(record, parts), ...);
         sink_(std::move(record));
     }

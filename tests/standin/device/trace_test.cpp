@@ -50,9 +50,9 @@ TEST_F(TraceOfADevice, OtherPropertyListValuesStandAsTheirClass) {
 }
 
 TEST_F(TraceOfADevice, PointersAreNotShown) {
-    EXPECT_EQ(standin::pointerTrace(nullptr), TraceValue{});
-    EXPECT_EQ(standin::pointerTrace(this), TraceValue{"<pointer>"});
-    EXPECT_EQ(standin::objectTrace(nullptr), TraceValue{});
+    EXPECT_EQ(toTrace(standin::Pointer{nullptr}), TraceValue{});
+    EXPECT_EQ(toTrace(standin::Pointer{this}), TraceValue{"<pointer>"});
+    EXPECT_EQ(toTrace(standin::ObjectAt{nullptr}), TraceValue{});
 }
 
 TEST_F(TraceOfADevice, EachRecordHasTheTimeOfItsCall) {
@@ -62,6 +62,29 @@ TEST_F(TraceOfADevice, EachRecordHasTheTimeOfItsCall) {
     device().clock.advanceTo(0.75);
     device().trace.function("second", Answer{1});
     EXPECT_EQ(times, (std::vector{0.0, 0.75}));
+}
+
+/// Counts how often it is described.
+struct Described : standin::Instance {
+    std::string className() const override {
+        ++times;
+        return "NSDescribed";
+    }
+    mutable int times = 0;
+};
+
+TEST_F(TraceOfADevice, WithoutASinkNobodyIsAskedForADescription) {
+    const Described instance;
+    const auto send = [&] {
+        device().trace.message(instance, "first:", instance);
+        device().trace.message(standin::ClassOf{instance}, "second", Answer{instance});
+    };
+    device().trace.setSink(nullptr);
+    send();
+    EXPECT_EQ(instance.times, 0);
+    device().trace.setSink([](const TraceRecord& /*record*/) {});
+    send();
+    EXPECT_EQ(instance.times, 4);
 }
 
 TEST_F(TraceOfADevice, WithoutASinkNothingIsRecorded) {
