@@ -3,8 +3,10 @@
 #include <signal.h>
 
 #include <filesystem>
+#include <functional>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/standin/plist/property_list.h"
@@ -29,6 +31,16 @@ protected:
                                            .errors = folder() / (name + ".errors")});
     }
 
+    /// Starts so many programs, which are named by their numbers, and expects all to succeed.
+    void runAtOnce(int count, const std::function<Words(int)>& wordsOf) {
+        std::vector<pid_t> processes;
+        for (int i = 0; i < count; ++i) processes.push_back(begin(wordsOf(i), std::to_string(i)));
+        for (int i = 0; i < count; ++i) {
+            EXPECT_EQ(waitFor(processes[static_cast<std::size_t>(i)]), 0)
+                << errorsOf(std::to_string(i));
+        }
+    }
+
     /// Starts a flip off that has its turn and stops in its first wait, the user's settings put
     /// aside. To be killed, or continued.
     pid_t beginAndStop() {
@@ -38,6 +50,19 @@ protected:
             [&] { return errorsOf("stopped").find("runUntilDate:") != std::string::npos; }));
         ::kill(stopped, SIGSTOP);
         return stopped;
+    }
+
+    /// Starts `springboard` while another one has the turn, for which it says that it waits.
+    pid_t beginAndWait(Words words, const std::string& name) {
+        const pid_t process = begin(std::move(words), name);
+        EXPECT_TRUE(becomesTrue([&] { return errorsOf(name) == waiting; }));
+        return process;
+    }
+
+    /// Has a flip die.
+    static void killAndAwait(pid_t stopped) {
+        ::kill(stopped, SIGKILL);
+        EXPECT_EQ(waitFor(stopped), -SIGKILL);
     }
 
     std::string outputOf(const std::string& name) const {
@@ -58,14 +83,11 @@ protected:
 };
 
 TEST_F(SeveralProcesses, ThatFlipAtOnceAllSucceedAndLeaveEveryFileWhole) {
-    std::vector<pid_t> processes;
+    const auto flip = [](int i) -> Words {
+        return {"--machine", "iPod5,1", "flip", i % 2 == 0 ? "off" : "on"};
+    };
+    runAtOnce(8, flip);
     for (int i = 0; i < 8; ++i) {
-        const char* const state = i % 2 == 0 ? "off" : "on";
-        processes.push_back(begin({"--machine", "iPod5,1", "flip", state}, std::to_string(i)));
-    }
-    for (int i = 0; i < 8; ++i) {
-        EXPECT_EQ(waitFor(processes[static_cast<std::size_t>(i)]), 0)
-            << errorsOf(std::to_string(i));
         EXPECT_THAT(outputOf(std::to_string(i)), testing::AnyOf("on\n", "off\n"));
         EXPECT_THAT(errorsOf(std::to_string(i)), testing::AnyOf("", waiting));
     }
@@ -75,19 +97,13 @@ TEST_F(SeveralProcesses, ThatFlipAtOnceAllSucceedAndLeaveEveryFileWhole) {
 
 TEST_F(SeveralProcesses, ThatMakeOneDeviceAtOnceAllHaveIt) {
     fs::remove_all(root());
-    std::vector<pid_t> processes;
-    for (int i = 0; i < 4; ++i) processes.push_back(begin({"state"}, std::to_string(i)));
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(waitFor(processes[static_cast<std::size_t>(i)]), 0)
-            << errorsOf(std::to_string(i));
-        EXPECT_EQ(outputOf(std::to_string(i)), "on\n");
-    }
+    runAtOnce(4, [](int /*i*/) { return Words{"state"}; });
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(outputOf(std::to_string(i)), "on\n");
 }
 
 TEST_F(SeveralProcesses, OfWhichOneIsKilledInsideItsWaitGoOn) {
     const pid_t killed = beginAndStop();
-    ::kill(killed, SIGKILL);
-    EXPECT_EQ(waitFor(killed), -SIGKILL);
+    killAndAwait(killed);
     expectWholeFiles();
 
     write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", true}});
@@ -98,10 +114,8 @@ TEST_F(SeveralProcesses, OfWhichOneIsKilledInsideItsWaitGoOn) {
 TEST_F(SeveralProcesses, TakeTurnsInFlippingAndSayThatTheyWait) {
     const std::string before = bytes(springBoardPreferencesPath);
     const pid_t first = beginAndStop();
-    const pid_t second = begin({"flip", "on"}, "second");
-    const pid_t third = begin({"apply", "0"}, "third");
-    EXPECT_TRUE(
-        becomesTrue([&] { return errorsOf("second") == waiting && errorsOf("third") == waiting; }));
+    const pid_t second = beginAndWait({"flip", "on"}, "second");
+    const pid_t third = beginAndWait({"apply", "0"}, "third");
     EXPECT_NE(bytes(springBoardPreferencesPath), before);
     ::kill(first, SIGCONT);
     for (const pid_t process : {first, second, third}) EXPECT_EQ(waitFor(process), 0);
@@ -113,22 +127,18 @@ TEST_F(SeveralProcesses, TakeTurnsInFlippingAndSayThatTheyWait) {
 
 TEST_F(SeveralProcesses, LoseTheirTurnsWithTheirLives) {
     const pid_t killed = beginAndStop();
-    const pid_t next = begin({"flip", "on"}, "next");
-    EXPECT_TRUE(becomesTrue([&] { return errorsOf("next") == waiting; }));
-    ::kill(killed, SIGKILL);
-    EXPECT_EQ(waitFor(killed), -SIGKILL);
+    const pid_t next = beginAndWait({"flip", "on"}, "next");
+    killAndAwait(killed);
     EXPECT_EQ(waitFor(next), 0);
     EXPECT_EQ(outputOf("next"), "on\n");
 }
 
 TEST_F(SeveralProcesses, MayEndWhileTheyWaitForTheirTurns) {
     const pid_t stopped = beginAndStop();
-    const pid_t impatient = begin({"flip", "on"}, "impatient");
-    EXPECT_TRUE(becomesTrue([&] { return errorsOf("impatient") == waiting; }));
+    const pid_t impatient = beginAndWait({"flip", "on"}, "impatient");
     ::kill(impatient, SIGINT);
     EXPECT_EQ(waitFor(impatient), -SIGINT);
-    ::kill(stopped, SIGKILL);
-    waitFor(stopped);
+    killAndAwait(stopped);
 }
 
 TEST_F(SeveralProcesses, ThatAreAskedToEndAmidAFlipEndItFirst) {
@@ -144,8 +154,7 @@ TEST_F(SeveralProcesses, ThatAreAskedToEndAmidAFlipEndItFirst) {
 TEST_F(SeveralProcesses, NeedNoTurnsToAskForTheState) {
     const pid_t stopped = beginAndStop();
     expectOutput({"state"}, "on\n");
-    ::kill(stopped, SIGKILL);
-    waitFor(stopped);
+    killAndAwait(stopped);
 }
 
 TEST_F(SeveralProcesses, OfOthersCannotTakeATurn) {
