@@ -21,7 +21,7 @@ std::filesystem::path nonEmpty(const char* option, std::string_view argument) {
 
 std::string machineName(std::string_view name) {
     if (name.empty() || name.size() > maxMachineLength) {
-        throw UsageError("--machine needs a name of 1 to 255 bytes");
+        throw UsageError("a model needs a name of 1 to 255 bytes");
     }
     return std::string{name};
 }

@@ -17,7 +17,7 @@ namespace quillet {
 /// A path, the argument of `option`.
 std::filesystem::path nonEmpty(const char* option, std::string_view argument);
 
-/// What uname can tell: 1 to 255 bytes.
+/// A model, as uname can tell it: 1 to 255 bytes.
 std::string machineName(std::string_view name);
 
 standin::HostVariant hostVariant(std::string_view variant);

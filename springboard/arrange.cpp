@@ -121,11 +121,13 @@ private:
         options_.push_back(std::move(argument));
     }
 
-    /// Whether the option at `word` has the name of a command, which then takes the line over.
+    /// Whether the flag at `word` has the name of a command, which then takes the line over.
     bool replacesCommand(const std::string& word) {
-        const std::string& name = optionOf(*command_, word).get_lnames().front();
+        const CLI::Option& option = optionOf(*command_, word);
+        const std::string& name = option.get_lnames().front();
         const CLI::App* const command = findCommand(app_, name);
-        if (command == nullptr || word.find('=') != std::string::npos) return false;
+        if (command == nullptr || !isFlag(option) || word.find('=') != std::string::npos)
+            return false;
         words_ = placesOf(*command).empty() ? Words{} : commands_;
         commands_ = {name};
         command_ = command;

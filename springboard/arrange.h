@@ -21,7 +21,7 @@ const CLI::App& commandNamed(const CLI::App& app, const std::vector<std::string>
 /// options with each argument a word of its own, "--", all other words. Options may stand anywhere
 /// before "--", those of a command behind it, and be shortened as long as one option begins so. An
 /// option of type optionalFile takes its argument behind "=" only and gets an empty one where there
-/// is none. An option with the name of a command, such as "--help", stands for it, with the
+/// is none. A flag with the name of a command, such as "--help", stands for it, with the
 /// commands before it as its words where it takes some, and ends the line. A line without any word
 /// is left without a command.
 ///

@@ -16,14 +16,7 @@ constexpr char description[] =
     "Loads the ringer switch as SpringBoard would, on a device that lives in a folder.";
 
 constexpr char footer[] =
-    R"(Words of --host, for the class that shows the indicator and the one that mutes:
-  class        the class answers the message itself (indicator only)
-  instance     the class has a shared instance, which answers the message
-  no-instance  the class has no shared instance
-  deaf         the shared instance does not know the message
-  absent       there is no such class
-
-Examples:
+    R"(Examples:
   springboard --root phone flip off       mute the phone that lives in "phone"
   springboard --root phone --trace flip   see what the switch does
   springboard --root phone watch          follow the switch while others flip it
@@ -46,13 +39,12 @@ void addDeviceOptions(CLI::App& app, Options& options) {
     addOne("--bundle", "DIR", "the switch bundle (default: Quillet.bundle beside this program)",
            [&](auto& dir) { options.bundle = nonEmpty("--bundle", dir); });
     addOne("--machine", "NAME",
-           "the device's model (default: iPhone6,1); an iPod's ringtone volume is "
-           "saved and restored",
+           "what this command takes for the device's model (default: what it is); see "
+           "\"springboard help model\"",
            [&](auto& name) { options.machine = machineName(name); });
     addOne("--host", "VARIANT",
-           "what SpringBoard's classes are like, a list separated by commas of "
-           "indicator=class|instance|no-instance|deaf|absent and "
-           "media=instance|no-instance|deaf|absent (default: indicator=class,media=instance)",
+           "what this command takes SpringBoard's classes for (default: what they are); see "
+           "\"springboard help host\"",
            [&](auto& variant) { options.host = hostVariant(variant); });
 }
 
@@ -90,6 +82,7 @@ void addOtherOptions(CLI::App& app, Options& options) {
 void describe(CLI::App& app, Options& options) {
     app.name("springboard")->description(description)->footer(footer)->fallthrough();
     addSwitchCommands(app, options);
+    addDeviceCommands(app, options);
     addOwnCommands(app, options);
     addDeviceOptions(app, options);
     addTraceOptions(app, options);

@@ -62,6 +62,9 @@ void addWords(CLI::App& command, const char* name, const char* type, const char*
 /// state, flip, apply, watch.
 void addSwitchCommands(CLI::App& app, Options& options);
 
+/// new, model, host, erase.
+void addDeviceCommands(CLI::App& app, Options& options);
+
 /// help, version.
 void addOwnCommands(CLI::App& app, Options& options);
 

@@ -6,9 +6,9 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "springboard/phone.h"
 #include "springboard/signals.h"
 #include "springboard/trace_format.h"
-#include "springboard/turn.h"
 
 namespace quillet {
 
@@ -16,27 +16,18 @@ using standin::TraceRecord;
 
 namespace {
 
-/// Of the device: what gives hosts their turns.
-constexpr char turnPath[] = "/var/run/springboard.lock";
-
 const char* wordFor(FSSwitchState state) { return state == FSSwitchStateOn ? "on" : "off"; }
-
-/// The user's choices on a new phone: the vibration is the switch's, when it mutes.
-standin::NewFile switchPreferences() {
-    return {
-        "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist",
-        {{"ios-vibrate-pattern", false}, {"vibrate-when-off", true}, {"vibrate-when-on", false}}};
-}
 
 }  // namespace
 
 HostProcess::HostProcess(const Options& options)
     : json_{options.json},
       device_{{.root = rootOf(options),
-               .newFiles = {switchPreferences()},
+               .newFiles = newFiles(),
                .machine = options.machine,
                .host = options.host,
                .clock = options.clock}} {
+    if (device_.isNew) tellNewPhone(device_.root.path());
     if (options.traces) startTrace(options);
     identifier_ = device_.framework.load(bundleOf(options));
     switch_ = device_.framework.dataSource(identifier_);
@@ -83,8 +74,8 @@ void HostProcess::report(FSSwitchState state) const {
 void HostProcess::printState() { report(state()); }
 
 FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
-    const Turn turn{device_.below(turnPath),
-                    [] { std::cerr << "springboard: waiting for another flip of this device\n"; }};
+    const Turn turn = takeTurn(device_.root.path());
+    checkService();  // The device may have been erased meanwhile.
     // The settings that the switch changes for a while are the user's.
     holdSignals();
     if (state) {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "platform/standin/device/clock.h"
@@ -20,10 +21,11 @@ struct Options {
     std::filesystem::path root;
     /// Empty for the one beside the program. See bundleOf.
     std::filesystem::path bundle;
-    std::string machine = "iPhone6,1";
+    /// For this command, or for the phone that it makes. Nothing for what the device is.
+    std::optional<std::string> machine;
+    std::optional<standin::HostVariant> host;
     /// Not to be chosen on a command line.
     standin::Clock::Kind clock = standin::Clock::Kind::real;
-    standin::HostVariant host;
     bool traces = false;
     /// Empty for standard error.
     std::filesystem::path traceFile;

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <system_error>
@@ -18,16 +19,35 @@ bool lock(int file, int how) {
     return standin::uninterrupted([&] { return flock(file, how); }) == 0;
 }
 
+bool wait(int file, const std::function<void()>& beforeWaiting) {
+    if (lock(file, LOCK_EX | LOCK_NB)) return true;
+    if (errno != EWOULDBLOCK) return false;
+    beforeWaiting();
+    return lock(file, LOCK_EX);
+}
+
+bool isAt(const std::filesystem::path& path, int file) {
+    struct stat own {};
+    struct stat found {};
+    return fstat(file, &own) != 0 || (lstat(path.c_str(), &found) == 0 &&
+                                      own.st_dev == found.st_dev && own.st_ino == found.st_ino);
+}
+
+/// The locked file at `path`; -1, and errno says why, when it cannot be had.
+int take(const std::filesystem::path& path, const std::function<void()>& beforeWaiting) {
+    for (;;) {
+        standin::Descriptor file{
+            standin::uninterrupted([&] { return open(path.c_str(), openFlags, 0600); })};
+        if (!file.isOpen() || !wait(file.number(), beforeWaiting)) return -1;
+        if (isAt(path, file.number())) return file.release();
+    }
+}
+
 }  // namespace
 
 Turn::Turn(const std::filesystem::path& file, const std::function<void()>& beforeWaiting)
-    : file_{standin::uninterrupted([&] { return open(file.c_str(), openFlags, 0600); })} {
-    if (file_.isOpen() && lock(file_.number(), LOCK_EX | LOCK_NB)) return;
-    if (file_.isOpen() && errno == EWOULDBLOCK) {
-        beforeWaiting();
-        if (lock(file_.number(), LOCK_EX)) return;
-    }
-    throw std::system_error(errno, std::generic_category(), file.string());
+    : file_{take(file, beforeWaiting)} {
+    if (!file_.isOpen()) throw std::system_error(errno, std::generic_category(), file.string());
 }
 
 }  // namespace quillet

@@ -14,7 +14,8 @@ class Turn {
 public:
     /// Waits for as long as another process has the turn of `file`, which is made when it is absent
     /// and which only its owner can open. Calls `beforeWaiting` first if it has to wait. Throws
-    /// std::system_error when there are no turns to be had.
+    /// std::system_error when there are no turns to be had. A file that was replaced while the
+    /// process waited gives no turn: it waits for the one that is there.
     Turn(const std::filesystem::path& file, const std::function<void()>& beforeWaiting);
 
 private:

@@ -127,8 +127,9 @@ TEST_F(Commands, ARootIsMadeWhereThereIsNone) {
     const Outcome outcome = runWith({}, {}, {"--root", made, "state"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "on\n");
-    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.errors, "New phone in " + made.string() + "\n");
     EXPECT_TRUE(fs::exists(made.string() + preferencesPath));
+    EXPECT_EQ(runWith({}, {}, {"--root", made, "state"}).errors, "") << "it is new once";
 }
 
 TEST_F(Commands, WithoutARootTheDeviceIsTheOneOfTheEnvironment) {
@@ -179,7 +180,8 @@ TEST_F(Commands, ARootThatCannotBeUsedIsNamed) {
     writeText(other / "letter.txt", "Dear");
     expectFailure(runWith({}, {}, {"--root", other, "state"}), 1, other);
     expectFailure(runWith({}, {}, {"--root", other / "letter.txt", "state"}), 1, "letter.txt");
-    expectFailure(runWith({}, {}, {"--root", "/dev/null/root", "state"}), 1, "/dev/null");
+    expectFailure(runWith({}, {}, {"--root", "/dev/null/root", "state"}), 1,
+                  "/dev/null/root: no device can be made of it: Not a directory");
     EXPECT_EQ(readText(other / "letter.txt"), "Dear");
 }
 

@@ -13,7 +13,8 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-const Words commands = {"state", "flip", "apply", "watch", "help", "version"};
+const Words commands = {"state", "flip", "apply", "watch", "new",
+                        "model", "host", "erase", "help",  "version"};
 
 class Help : public SpringBoard {
 protected:
@@ -32,15 +33,13 @@ TEST_F(Help, NamesEveryCommandAndOption) {
     for (const char* const word :
          {"state", "flip [on|off]", "apply N", "watch", "help [COMMAND]", "version", "--root DIR",
           "--bundle DIR", "--machine NAME", "--host VARIANT", "--trace[=FILE]",
-          "--trace-format FORMAT", "--json", "--color WHEN", "--version", "-h, --help",
-          "indicator=class|instance|no-instance|deaf|absent",
-          "media=instance|no-instance|deaf|absent"}) {
+          "--trace-format FORMAT", "--json", "--color WHEN", "--version", "-h, --help"}) {
         EXPECT_THAT(help, HasSubstr(word));
     }
 }
 
 TEST_F(Help, ExplainsEveryWordOfAHostVariant) {
-    const std::string help = printed({"--help"});
+    const std::string help = printed({"help", "host"});
     for (const std::string word : {"class", "instance", "no-instance", "deaf", "absent"}) {
         EXPECT_THAT(help, HasSubstr("\n  " + word + "  ")) << word;
     }
@@ -58,7 +57,7 @@ TEST_F(Help, OfACommandIsTheSameHoweverItIsAskedFor) {
     for (const std::string& command : commands) {
         const std::string help = printed({"help", command});
         EXPECT_THAT(help, StartsWith("Usage: springboard [OPTION]... " + command));
-        EXPECT_THAT(help, Not(HasSubstr("Words of --host"))) << "is of that command alone";
+        EXPECT_THAT(help, Not(HasSubstr("Commands:"))) << "is of that command alone";
         EXPECT_EQ(printed({command, "--help"}), help);
         EXPECT_EQ(printed({command, "-h"}), help);
     }

@@ -13,10 +13,14 @@ Device* currentDevice = nullptr;
 }  // namespace
 
 Device::Device(const DeviceOptions& options)
+    : Device{options, makeNewPhone(options.root, options.newFiles,
+                                   {options.machine.value_or(DeviceFacts{}.machine),
+                                    options.host.value_or(HostVariant{})})} {}
+
+Device::Device(const DeviceOptions& options, const FoundPhone& phone)
     : clock{options.clock},
-      root{makeNewPhone(options.root, options.newFiles)},
-      machine{options.machine},
-      host{options.host},
+      root{phone.path},
+      isNew{phone.isNew},
       trace{clock},
       hardware{below(DeviceRoot::hardwarePath)},
       notifications{below(DeviceRoot::notificationsPath)},
@@ -24,6 +28,9 @@ Device::Device(const DeviceOptions& options)
       observers{notifications},
       eventLoop{clock, notifications, observers},
       framework{options.openModule, observers} {
+    const DeviceFacts facts = readFacts(below(DeviceRoot::factsPath));
+    machine = options.machine.value_or(facts.machine);
+    host = options.host.value_or(facts.host);
     currentDevice = this;
 }
 

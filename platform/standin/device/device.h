@@ -2,11 +2,13 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/standin/device/clock.h"
+#include "platform/standin/device/device_facts.h"
 #include "platform/standin/device/event_loop.h"
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/host_variant.h"
@@ -28,9 +30,10 @@ struct DeviceOptions {
     std::filesystem::path root;
     /// What the root holds if it is made for this device.
     std::vector<NewFile> newFiles = {};
-    /// The model, as uname tells it.
-    std::string machine = "iPhone6,1";
-    HostVariant host = {};
+    /// What this process takes the device for, and what it is if it is made for this process:
+    /// nothing for what it is. See DeviceFacts.
+    std::optional<std::string> machine = {};
+    std::optional<HostVariant> host = {};
     Clock::Kind clock = Clock::Kind::real;
     OpenModule openModule = openSharedObject;
 };
@@ -59,6 +62,9 @@ public:
     /// First, as the process begins here.
     Clock clock;
     DeviceRoot root;
+    /// Whether the root was made for this process.
+    bool isNew;
+    /// As uname tells it.
     std::string machine;
     HostVariant host;
     Trace trace;
@@ -73,6 +79,9 @@ public:
     SharedInstances shared;
     /// Last: what it has loaded goes before all that it uses.
     SwitchFramework framework;
+
+private:
+    Device(const DeviceOptions& options, const FoundPhone& phone);
 };
 
 }  // namespace quillet::standin

@@ -20,6 +20,13 @@ bool choose(Variant& variant, std::string_view word,
     return true;
 }
 
+/// The word of a variant, which has one.
+template <class Variant, std::size_t count>
+std::string_view wordFor(Variant variant,
+                         const std::array<std::pair<std::string_view, Variant>, count>& words) {
+    return std::ranges::find(words, variant, &std::pair<std::string_view, Variant>::second)->first;
+}
+
 constexpr auto indicatorWords = std::to_array<std::pair<std::string_view, HostVariant::Indicator>>({
     {"absent", HostVariant::Indicator::absent},
     {"class", HostVariant::Indicator::class_},
@@ -35,9 +42,10 @@ constexpr auto mediaWords = std::to_array<std::pair<std::string_view, HostVarian
     {"deaf", HostVariant::Media::deaf},
 });
 
+constexpr std::string_view indicator = "indicator=";
+constexpr std::string_view media = "media=";
+
 bool parsePart(HostVariant& host, std::string_view part) {
-    constexpr std::string_view indicator = "indicator=";
-    constexpr std::string_view media = "media=";
     if (part.starts_with(indicator)) {
         return choose(host.indicator, part.substr(indicator.size()), indicatorWords);
     }
@@ -54,6 +62,14 @@ std::optional<HostVariant> parseHostVariant(std::string_view variant) {
         begin = end + 1;
     }
     return host;
+}
+
+std::string textOf(const HostVariant& host) {
+    std::string text{indicator};
+    text += wordFor(host.indicator, indicatorWords);
+    text += ',';
+    text += media;
+    return text += wordFor(host.media, mediaWords);
 }
 
 }  // namespace quillet::standin

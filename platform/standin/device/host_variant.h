@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace quillet::standin {
@@ -34,11 +35,16 @@ struct HostVariant {
 
     Indicator indicator = Indicator::class_;
     Media media = Media::instance;
+
+    bool operator==(const HostVariant&) const = default;
 };
 
 /// What `variant` describes, or nothing when it describes no host: a list, separated by commas, of
 /// "indicator=" with absent, class, instance, no-instance or deaf, and "media=" with absent,
 /// instance, no-instance or deaf. What it does not name is as by default.
 std::optional<HostVariant> parseHostVariant(std::string_view variant);
+
+/// The list that describes `host`, both classes named, the indicator first.
+std::string textOf(const HostVariant& host);
 
 }  // namespace quillet::standin

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/device/new_phone.h"
 
+#include <cerrno>
 #include <stdexcept>
+#include <system_error>
 
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/root.h"
@@ -30,7 +32,7 @@ fs::path place(const fs::path& root, const std::string& devicePath) {
 
 void write(const fs::path& path, const std::string& bytes) {
     if (!writeFileAtomically(path, bytes)) {
-        throw std::runtime_error(path.string() + ": cannot be written");
+        throw std::system_error(errno, std::generic_category(), path.string());
     }
 }
 
@@ -38,9 +40,10 @@ void write(const fs::path& root, const NewFile& file) {
     write(place(root, file.path), writePropertyList(file.content));
 }
 
-void fill(const fs::path& root, const std::vector<NewFile>& files) {
+void fill(const fs::path& root, const std::vector<NewFile>& files, const DeviceFacts& facts) {
     write(root, springBoardPreferences);
     write(root, {DeviceRoot::hardwarePath, Hardware::newState()});
+    write(root, {DeviceRoot::factsPath, toDictionary(facts)});
     for (const NewFile& file : files) write(root, file);
     write(place(root, DeviceRoot::graphicsServicesPath), "");
 
@@ -48,17 +51,56 @@ void fill(const fs::path& root, const std::vector<NewFile>& files) {
                               {{"com.apple.springboard.ringerstate", 1}});
 }
 
+[[noreturn]] void refusePlace(const fs::path& path, const std::string& reason) {
+    throw std::runtime_error(path.string() + ": " + reason);
+}
+
+/// Whether a phone may be put there: nothing is, or an empty folder.
+bool isFree(const fs::path& path) {
+    std::error_code error;
+    const auto status = fs::status(path, error);
+    const bool isFree = status.type() == fs::file_type::not_found ||
+                        (fs::is_directory(status) && fs::is_empty(path, error));
+    if (error && fs::exists(status)) refusePlace(path, "cannot be looked at: " + error.message());
+    return isFree;
+}
+
+/// What the system says when it cannot make a phone is told in words of our own.
+[[noreturn]] void refusePlace(const fs::path& path, const std::error_code& error) {
+    const bool isMount = error == std::errc::device_or_resource_busy;
+    const std::string reason =
+        isMount ? "a file system is mounted there; name a folder in it" : error.message();
+    refusePlace(path, "no device can be made of it: " + reason);
+}
+
 }  // namespace
 
-fs::path makeNewPhone(const fs::path& root, const std::vector<NewFile>& files) {
+FoundPhone makeNewPhone(const fs::path& root, const std::vector<NewFile>& files,
+                        const DeviceFacts& facts) {
     const fs::path path = DeviceRoot::locate(root);
     Draft::removeAbandoned(path.parent_path());
-    if (fs::exists(path) && !(fs::is_directory(path) && fs::is_empty(path))) return path;
-    fs::create_directories(path.parent_path());
-    DraftFolder draft{path};
-    fill(draft.path(), files);
-    draft.publish();
-    return path;
+    if (!isFree(path)) return {path};
+    try {
+        fs::create_directories(path.parent_path());
+        DraftFolder draft{path};
+        fill(draft.path(), files, facts);
+        return {path, draft.publish()};
+    } catch (const std::system_error& error) {
+        refusePlace(path, error.code());
+    }
+}
+
+void eraseDevice(const fs::path& root, const std::vector<NewFile>& files,
+                 const DeviceFacts& facts) {
+    const fs::path path = DeviceRoot::locate(root);
+    if (!DeviceRoot::isDevice(path)) refusePlace(path, "no device is there");
+    try {
+        DraftFolder draft{path};
+        fill(draft.path(), files, facts);
+        draft.exchange();
+    } catch (const std::system_error& error) {
+        refusePlace(path, error.code());
+    }
 }
 
 }  // namespace quillet::standin

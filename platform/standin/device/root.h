@@ -9,17 +9,20 @@ namespace quillet::standin {
 /// A folder that stands for a device's "/". Nothing outside it is ever touched.
 class DeviceRoot {
 public:
-    /// Where the stand-in keeps its own files: the notification service's table and what
-    /// Hardware keeps. Paths of the device.
+    /// Where the stand-in keeps its own files: the notification service's table, what Hardware
+    /// keeps, and what the device is. Paths of the device.
     static constexpr char notificationsPath[] = "/var/run/notifications";
     static constexpr char hardwarePath[] = "/var/db/hardware.plist";
+    static constexpr char factsPath[] = "/var/db/device.plist";
     /// The library that the device has while the file is there.
     static constexpr char graphicsServicesPath[] =
         "/System/Library/PrivateFrameworks/GraphicsServices.framework/GraphicsServices";
 
     /// Takes the device in the folder at `path` and changes nothing. Throws std::runtime_error when
-    /// there is none.
+    /// there is none, or when it has lost its notification service's table.
     explicit DeviceRoot(const std::filesystem::path& path);
+
+    const std::filesystem::path& path() const { return path_; }
 
     /// Where `devicePath`, an absolute path of the device, lies on this machine.
     std::filesystem::path below(std::string_view devicePath) const {
@@ -30,8 +33,11 @@ public:
     static std::filesystem::path below(const std::filesystem::path& root,
                                        std::string_view devicePath);
 
+    /// Whether the folder at `path` is, or was, a device: a file of the stand-in's own is there.
+    static bool isDevice(const std::filesystem::path& path);
+
     /// `path` as it is from wherever: absolute, free of links as far as it exists, without a slash
-    /// at its end. Throws std::filesystem::filesystem_error when it cannot be followed.
+    /// at its end. Throws std::runtime_error when it cannot be followed.
     static std::filesystem::path locate(const std::filesystem::path& path);
 
 private:

@@ -136,6 +136,17 @@ bool Draft::publish(const fs::path& place) {
     return true;
 }
 
+bool Draft::exchange(const fs::path& place) {
+    const Descriptor folder{openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY)};
+    const bool isFlushed = flush(descriptor());
+    if (!isFlushed ||
+        renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, place.c_str(), RENAME_EXCHANGE) != 0) {
+        return false;
+    }
+    if (folder.isOpen()) flush(folder.number());
+    return true;
+}
+
 void Draft::removeAbandoned(const fs::path& folder) noexcept {
     // Not a directory_iterator, which ends the process for want of memory.
     const std::unique_ptr<DIR, CloseFolder> entries{opendir(folder.c_str())};

@@ -33,9 +33,16 @@ DraftFolder::DraftFolder(const fs::path& place)
     if (!draft_.isMade()) throwError(place);
 }
 
-void DraftFolder::publish() {
+bool DraftFolder::publish() {
     flushBelow(path());
-    if (!draft_.publish(place_) && errno != ENOTEMPTY && errno != EEXIST) throwError(place_);
+    if (draft_.publish(place_)) return true;
+    if (errno != ENOTEMPTY && errno != EEXIST) throwError(place_);
+    return false;
+}
+
+void DraftFolder::exchange() {
+    flushBelow(path());
+    if (!draft_.exchange(place_)) throwError(place_);
 }
 
 }  // namespace quillet::standin

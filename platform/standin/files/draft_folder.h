@@ -17,9 +17,13 @@ public:
     const std::filesystem::path& path() const { return draft_.path(); }
 
     /// Puts the folder in its place, where nothing or an empty folder may be, when all that it
-    /// holds is on the disk. A folder that is not empty, made by somebody faster, stays, and the
-    /// draft goes. Throws std::system_error.
-    void publish();
+    /// holds is on the disk. False when a folder that is not empty, made by somebody faster, is
+    /// there: it stays, and the draft goes. Throws std::system_error.
+    bool publish();
+
+    /// Puts the folder in the place of the one that is there, in one step, when all that it holds is
+    /// on the disk; what was there goes with the draft. Throws std::system_error.
+    void exchange();
 
 private:
     std::filesystem::path place_;

@@ -53,6 +53,15 @@ TEST(ParseHostVariant, BothClassesMayBeNamedInEitherOrder) {
     }
 }
 
+TEST(ParseHostVariant, ReadsWhatAHostIsWrittenAs) {
+    for (const auto& [indicatorWord, indicator] : indicators) {
+        for (const auto& [mediaWord, controller] : media) {
+            expectHost(textOf(HostVariant{indicator, controller}), indicator, controller);
+        }
+    }
+    EXPECT_EQ(textOf(HostVariant{}), "indicator=class,media=instance");
+}
+
 TEST(ParseHostVariant, OfTwoWordsForOneClassTheLastCounts) {
     expectHost("indicator=deaf,indicator=absent", Indicator::absent, Media::instance);
 }

@@ -2,7 +2,9 @@
 #include "platform/standin/device/new_phone.h"
 
 #include <gtest/gtest.h>
+#include <sys/syscall.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -19,6 +21,7 @@
 #include "platform/standin/plist/property_list.h"
 #include "tests/support/child.h"
 #include "tests/support/no_room.h"
+#include "tests/support/supervisor.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/values.h"
 
@@ -48,7 +51,8 @@ std::map<std::string, std::string> contents(const fs::path& folder) {
 
 /// The device at `path`, a new phone with the switch's preferences if there was nothing.
 DeviceRoot deviceAt(const fs::path& path) {
-    return DeviceRoot{standin::makeNewPhone(path, {{preferences, {{"vibrate-when-off", true}}}})};
+    return DeviceRoot{
+        standin::makeNewPhone(path, {{preferences, {{"vibrate-when-off", true}}}}).path};
 }
 
 class NewPhone : public testing::Test {
@@ -202,6 +206,73 @@ TEST_F(NewPhone, ALinkToAnEmptyFolderIsFilledWhereItPoints) {
     expectNewPhone(path());
     EXPECT_TRUE(fs::is_symlink(path()));
     expectNewPhone(folder() / "elsewhere");
+}
+
+TEST_F(NewPhone, TellsWhetherItWasMade) {
+    EXPECT_TRUE(standin::makeNewPhone(path(), {}).isNew);
+    EXPECT_FALSE(standin::makeNewPhone(path(), {}).isNew);
+}
+
+TEST_F(NewPhone, IsWhatItIsToldToBe) {
+    const standin::DeviceFacts facts = {"iPod5,1", {.media = standin::HostVariant::Media::deaf}};
+    const fs::path phone = standin::makeNewPhone(path(), {}, facts).path;
+    EXPECT_EQ(standin::readFacts(DeviceRoot::below(phone, DeviceRoot::factsPath)), facts);
+}
+
+/// What `make` throws.
+template <class Make>
+std::string messageOf(Make make) {
+    try {
+        make();
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST_F(NewPhone, AnEmptyMountPointIsNoRootAndSaysSo) {
+    fs::create_directory(path());
+    const auto make = [this] {
+        EXPECT_EQ(messageOf([this] { deviceAt(path()); }),
+                  path().string() +
+                      ": no device can be made of it: a file system is mounted "
+                      "there; name a folder in it");
+        return 0;
+    };
+    supervise({SYS_rename}, make, [](const SupervisedCall&) {
+        return Verdict{Verdict::Kind::fails, EBUSY};
+    });
+    EXPECT_TRUE(fs::is_empty(path()));
+}
+
+TEST_F(NewPhone, IsWhatAnErasedDeviceBecomesWithItsModel) {
+    write(deviceAt(path()).below("/var/mobile/letter.txt"), "a file of the user's");
+    fs::remove(path() / "var/run/notifications");
+    standin::eraseDevice(path(), {{preferences, {{"vibrate-when-off", true}}}}, {"iPod5,1"});
+    EXPECT_FALSE(fs::exists(path() / "var/mobile/letter.txt"));
+    EXPECT_EQ(standin::readFacts(path() / "var/db/device.plist").machine, "iPod5,1");
+    expectNewPhone(path());
+    EXPECT_EQ(std::distance(fs::directory_iterator{folder()}, {}), 1);
+}
+
+TEST_F(NewPhone, NothingButADeviceIsErased) {
+    EXPECT_THROW(standin::eraseDevice(path(), {}, {}), std::runtime_error);
+    write(path() / "holiday.txt", "a file of the user's");
+    EXPECT_THROW(standin::eraseDevice(path(), {}, {}), std::runtime_error);
+    EXPECT_TRUE(fs::exists(path() / "holiday.txt"));
+}
+
+TEST_F(NewPhone, ADeviceThatCannotBeErasedIsAsItWas) {
+    deviceAt(path());
+    const auto before = contents(folder());
+    const auto erase = [this] {
+        EXPECT_THROW(standin::eraseDevice(path(), {}, {}), std::runtime_error);
+        return 0;
+    };
+    supervise({SYS_renameat2}, erase, [](const SupervisedCall&) {
+        return Verdict{Verdict::Kind::fails, EINVAL};
+    });
+    EXPECT_EQ(contents(folder()), before);
 }
 
 TEST_F(NewPhone, SeveralProcessesThatMakeOneAtOnceAllHaveIt) {

@@ -152,7 +152,7 @@ TEST_F(PowerLoss, WhileADeviceIsMadeLeavesNoneOrAWholeOne) {
     EXPECT_THAT(devices, Contains(Disk::State{}));
     ASSERT_EQ(disk.states().size(), 1U);
     const Disk::State whole = filesIn(root, disk.states().front());
-    EXPECT_EQ(whole.size(), 4U);
+    EXPECT_EQ(whole.size(), 5U);
     EXPECT_THAT(devices, Contains(whole));
     for (const auto& [path, bytes] : whole) EXPECT_TRUE(bytes.has_value()) << path;
 }
