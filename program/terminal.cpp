@@ -7,6 +7,8 @@
 #include <sstream>
 #include <string_view>
 
+#include "program/usage_error.h"
+
 namespace quillet {
 
 namespace {
@@ -17,6 +19,14 @@ std::string_view environment(const char* name) {
 }
 
 }  // namespace
+
+Color color(std::string_view word) {
+    if (word == "auto") return Color::automatic;
+    if (word != "always" && word != "never") {
+        throw UsageError("neither auto nor always nor never: " + inQuotes(word));
+    }
+    return word == "always" ? Color::always : Color::never;
+}
 
 bool hasColors(Color when, int descriptor) {
     if (when != Color::automatic) return when == Color::always;

@@ -2,11 +2,15 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace quillet {
 
 /// When what is printed has colours: by itself means on a terminal.
 enum class Color { automatic, always, never };
+
+/// "auto", "always" or "never". Throws UsageError for any other word.
+Color color(std::string_view word);
 
 /// Whether what goes to the file `descriptor` has colours. By itself a terminal has, unless it is
 /// called "dumb" (TERM) or the user wants none (NO_COLOR is there and not empty).

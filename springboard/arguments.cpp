@@ -38,14 +38,6 @@ TraceFormat traceFormat(std::string_view word) {
     return word == "json" ? TraceFormat::json : TraceFormat::text;
 }
 
-Color color(std::string_view word) {
-    if (word == "auto") return Color::automatic;
-    if (word != "always" && word != "never") {
-        throw UsageError("neither auto nor always nor never: " + inQuotes(word));
-    }
-    return word == "always" ? Color::always : Color::never;
-}
-
 std::int32_t number(std::string_view word) {
     std::int32_t value = 0;
     const std::string_view digits = word.starts_with('+') ? word.substr(1) : word;

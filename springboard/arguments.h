@@ -7,7 +7,6 @@
 #include <string_view>
 
 #include "platform/standin/device/host_variant.h"
-#include "program/terminal.h"
 #include "springboard/trace_format.h"
 
 namespace quillet {
@@ -24,9 +23,6 @@ standin::HostVariant hostVariant(std::string_view variant);
 
 /// "json" or "text".
 TraceFormat traceFormat(std::string_view word);
-
-/// "auto", "always" or "never".
-Color color(std::string_view word);
 
 /// A 32-bit signed number in decimal digits, perhaps with a sign.
 std::int32_t number(std::string_view word);

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -7,6 +6,7 @@
 #include <iostream>
 #include <new>
 
+#include "program/standard_streams.h"
 #include "program/terminal.h"
 #include "program/usage_error.h"
 #include "springboard/options.h"
@@ -17,16 +17,6 @@ namespace {
 
 constexpr int badUse = 2;
 constexpr char outOfMemory[] = "springboard: out of memory\n";
-
-/// Puts something unwritable in place of the standard streams that are closed. A file of the device
-/// would otherwise take their place when it is opened, and what is printed end up in it.
-void holdStandardStreams() {
-    int file = -1;
-    do {
-        file = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    } while (file >= 0 && file <= STDERR_FILENO);
-    close(file);
-}
 
 /// In place of an exception for which there is no memory: abort() is for faults of the program.
 [[noreturn]] void endWithoutException() {
