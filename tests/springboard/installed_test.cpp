@@ -40,9 +40,15 @@ TEST_F(Installed, ItMayBeMovedAsAWhole) {
     EXPECT_EQ(printed(), "on\n");
 }
 
-TEST_F(Installed, TheManualIsWhereManualsAre) {
-    EXPECT_EQ(readText(prefix() / "share" / "man" / "man1" / "springboard.1"),
-              readText(QUILLET_MANUAL));
+TEST_F(Installed, BesideItIsTheProgramForNotifications) {
+    EXPECT_EQ(runProgram(prefix() / "bin" / "notifyutil", {"--root", root(), "-g", "a"}), 0);
+    EXPECT_EQ(printed(), "a 0\n");
+}
+
+TEST_F(Installed, TheManualsAreWhereManualsAre) {
+    const fs::path manuals = prefix() / "share" / "man" / "man1";
+    EXPECT_EQ(readText(manuals / "springboard.1"), readText(QUILLET_MANUAL));
+    EXPECT_EQ(readText(manuals / "notifyutil.1"), readText(QUILLET_NOTIFYUTIL_MANUAL));
 }
 
 }  // namespace
