@@ -21,7 +21,7 @@
 #include "platform/notify.h"
 #include "springboard/host_process.h"
 #include "tests/springboard/springboard.h"
-#include "tests/support/stepped.h"
+#include "tests/support/traced.h"
 
 namespace quillet::test {
 namespace {
@@ -75,20 +75,20 @@ private:
 class FlipUnderWay : public SpringBoard {
 protected:
     using Prepare = std::function<void()>;
-    using Event = std::function<void(Stepped&)>;
+    using Event = std::function<void(Traced&)>;
 
     FlipUnderWay() { write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}}); }
 
     /// A host of its own that turns the switch off, on a device whose time is virtual, stopped
     /// from its first message to the switch on.
-    Stepped flipOff(const Prepare& prepare = [] {}) const {
-        return Stepped{[&]() -> int {
+    Traced flipOff(const Prepare& prepare = [] {}) const {
+        return Traced{[&]() -> int {
             takeSignals();
             redirect(STDOUT_FILENO, output());
             redirect(STDERR_FILENO, errors());
             prepare();
             HostProcess host{options()};
-            Stepped::begin();
+            Traced::begin();
             // What has been made is left, as all that is asked is how the flip itself ends.
             _exit(flipOff(host));
         }};
@@ -96,9 +96,9 @@ protected:
 
     /// How `flip` ends if something happens before the call of that number. Nothing when that is
     /// its end, or behind it.
-    std::optional<int> statusOf(Stepped& flip, std::size_t call, const Event& event) const {
+    std::optional<int> statusOf(Traced& flip, std::size_t call, const Event& event) const {
         for (std::size_t i = 0; i <= call; ++i) {
-            if (!flip.step() || flip.call() == SYS_exit_group) return std::nullopt;
+            if (!flip.nextCall() || flip.call() == SYS_exit_group) return std::nullopt;
         }
         event(flip);
         const int status = flip.end();
@@ -111,7 +111,7 @@ protected:
         const Event& event, const Prepare& prepare = [] {}) const {
         std::vector<int> statuses;
         for (;;) {
-            Stepped flip = flipOff(prepare);
+            Traced flip = flipOff(prepare);
             const auto status = statusOf(flip, statuses.size(), event);
             if (!status) return statuses;
             statuses.push_back(*status);
@@ -119,8 +119,8 @@ protected:
     }
 
     /// Lets `flip` go on until it has put its own settings in place of the user's.
-    void goOnWithoutSettings(Stepped& flip) const {
-        while (areSettingsAsBefore()) ASSERT_TRUE(flip.step());
+    void goOnWithoutSettings(Traced& flip) const {
+        while (areSettingsAsBefore()) ASSERT_TRUE(flip.nextCall());
     }
 
     /// From now on flips are traced, on standard error.
@@ -158,7 +158,7 @@ private:
 
 TEST_F(FlipUnderWay, EndsBeforeASignalEndsTheHost) {
     for (const int signal : endings) {
-        const auto statuses = statusesOf([&](Stepped& flip) {
+        const auto statuses = statusesOf([&](Traced& flip) {
             const bool isReported = !readText(output()).empty();
             flip.send(signal);
             const int status = flip.end();
@@ -171,7 +171,7 @@ TEST_F(FlipUnderWay, EndsBeforeASignalEndsTheHost) {
 
 TEST_F(FlipUnderWay, GoesOnIgnoringWhatTheHostIgnores) {
     const auto statuses =
-        statusesOf([](Stepped& flip) { flip.send(SIGHUP); }, [] { ::signal(SIGHUP, SIG_IGN); });
+        statusesOf([](Traced& flip) { flip.send(SIGHUP); }, [] { ::signal(SIGHUP, SIG_IGN); });
     EXPECT_THAT(statuses, Each(0));
 }
 
@@ -180,8 +180,8 @@ TEST_F(FlipUnderWay, EndsWhenItsReaderGoesAway) {
     std::vector<int> statuses;
     for (;;) {
         Reader reader;
-        Stepped flip = flipOff([&] { reader.becomeStandardError(); });
-        const auto leave = [&](Stepped&) { reader.goAway(); };
+        Traced flip = flipOff([&] { reader.becomeStandardError(); });
+        const auto leave = [&](Traced&) { reader.goAway(); };
         const auto status = statusOf(flip, statuses.size(), leave);
         if (!status) break;
         statuses.push_back(*status);
@@ -198,10 +198,10 @@ TEST_F(FlipUnderWay, IsGivenUpAtTheSecondRequest) {
     using Pair = std::pair<int, int>;
     for (const auto& [first, second] :
          {Pair{SIGINT, SIGINT}, {SIGTERM, SIGTERM}, {SIGINT, SIGTERM}, {SIGTERM, SIGINT}}) {
-        Stepped flip = flipOff();
+        Traced flip = flipOff();
         goOnWithoutSettings(flip);
         flip.send(first);
-        EXPECT_TRUE(flip.step());
+        EXPECT_TRUE(flip.nextCall());
         std::this_thread::sleep_for(std::chrono::milliseconds{20});
         flip.send(second);
         EXPECT_EQ(flip.end(), -second);
@@ -211,7 +211,7 @@ TEST_F(FlipUnderWay, IsGivenUpAtTheSecondRequest) {
 }
 
 TEST_F(FlipUnderWay, TakesARequestThatIsMadeTwiceAtOnceForOne) {
-    Stepped flip = flipOff();
+    Traced flip = flipOff();
     goOnWithoutSettings(flip);
     flip.send(SIGINT);
     flip.send(SIGTERM);
@@ -220,9 +220,9 @@ TEST_F(FlipUnderWay, TakesARequestThatIsMadeTwiceAtOnceForOne) {
 }
 
 TEST_F(FlipUnderWay, EndsHoweverOftenOtherSignalsCome) {
-    Stepped flip = flipOff();
+    Traced flip = flipOff();
     goOnWithoutSettings(flip);
-    for (int i = 0; i < 20 && flip.step(); ++i) {
+    for (int i = 0; i < 20 && flip.nextCall(); ++i) {
         for (const int signal : {SIGHUP, SIGPIPE, SIGXFSZ}) flip.send(signal);
     }
     EXPECT_THAT(flip.end(), AnyOf(-SIGHUP, -SIGPIPE, -SIGXFSZ));
@@ -239,7 +239,7 @@ TEST_F(FlipUnderWay, ThatSomebodyElseUndoesSaysSo) {
     };
     const std::string message = "the flip did not come about: the switch is on\n";
     int undone = 0;
-    const auto statuses = statusesOf([&](Stepped& flip) {
+    const auto statuses = statusesOf([&](Traced& flip) {
         turnOn();
         const bool isUndone = flip.end() == 1;
         undone += isUndone;

@@ -16,8 +16,8 @@
 #include "tests/stress/commands.h"
 #include "tests/stress/laboratory.h"
 #include "tests/stress/marks.h"
-#include "tests/stress/traced.h"
 #include "tests/support/child.h"
+#include "tests/support/traced.h"
 
 namespace quillet::test {
 

@@ -8,9 +8,9 @@
 #include <stdexcept>
 
 #include "platform/standin/runtime/dictionary_file.h"
+#include "tests/stress/injured.h"
 #include "tests/stress/marks.h"
 #include "tests/stress/trace_file.h"
-#include "tests/stress/traced.h"
 
 namespace quillet::test {
 
@@ -32,11 +32,11 @@ public:
 
     Run run() {
         for (;;) {
-            const Traced::Stop stop = program_.next();
-            if (stop == Traced::Stop::before) before();
-            run_.isLate = stop == Traced::Stop::late || run_.count > mostCalls;
+            const Injured::Stop stop = program_.next();
+            if (stop == Injured::Stop::before) before();
+            run_.isLate = stop == Injured::Stop::late || run_.count > mostCalls;
             if (run_.isLate) program_.kill();
-            if (run_.isLate || stop == Traced::Stop::end) break;
+            if (run_.isLate || stop == Injured::Stop::end) break;
         }
         run_.status = program_.status();
         return run_;
@@ -88,7 +88,7 @@ private:
         program_.fail(fault.error);
     }
 
-    Traced program_;
+    Injured program_;
     const std::vector<Fault>& faults_;
     /// How many of each fault's calls there were.
     std::vector<long> met_;

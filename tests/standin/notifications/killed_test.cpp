@@ -19,7 +19,7 @@
 #include "tests/support/program.h"
 #include "tests/support/shared_number.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/traced_work.h"
+#include "tests/support/traced.h"
 
 namespace quillet::test {
 namespace {
@@ -46,7 +46,7 @@ struct Course {
 
 Course courseOf(const std::function<void()>& work, const std::function<bool()>& isDone) {
     Course course;
-    for (TracedWork traced{work}; traced.step(1) == 1;) {
+    for (Traced process = traced(work); process.step(1) == 1;) {
         ++course.length;
         if (course.place == 0 && isDone()) course.place = course.length;
     }
@@ -73,7 +73,7 @@ protected:
 
     /// Kills `work` after that many of its instructions.
     static void killAfter(std::size_t instructions, const std::function<void()>& work) {
-        TracedWork{work}.step(instructions);
+        traced(work).step(instructions);
     }
 
 private:
@@ -158,12 +158,13 @@ TEST_F(Killed, InAWaitLeaveAPostFreeOfSystemCalls) {
 
 TEST_F(Killed, WaitsAreSleptInPiecesAfterWhichAPostIsSeenWhoeverMadeIt) {
     Device device{{.root = root()}};
-    TracedWork waiting{[&] { device.eventLoop.runUntil(device.clock.now() + 0.3); }};
+    Traced waiting = traced([&] { device.eventLoop.runUntil(device.clock.now() + 0.3); });
     int pieces = 0;
-    while (const auto call = waiting.nextCall()) {
-        const bool isSleep = call->number == SYS_clock_nanosleep || call->number == SYS_nanosleep;
+    while (waiting.nextCall()) {
+        const bool isSleep =
+            waiting.call() == SYS_clock_nanosleep || waiting.call() == SYS_nanosleep;
         if (!isSleep) continue;
-        const unsigned long time = call->arguments[call->number == SYS_nanosleep ? 0 : 2];
+        const std::uint64_t time = waiting.argument(waiting.call() == SYS_nanosleep ? 0 : 2);
         const double seconds = static_cast<double>(waiting.peek(time));
         const double nanoseconds = static_cast<double>(waiting.peek(time + sizeof(long)));
         EXPECT_LE(seconds + nanoseconds / 1e9, EventLoop::betweenLooks);

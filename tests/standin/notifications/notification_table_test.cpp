@@ -16,7 +16,7 @@
 #include "tests/support/no_room.h"
 #include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/support/traced_work.h"
+#include "tests/support/traced.h"
 
 namespace quillet::test {
 namespace {
