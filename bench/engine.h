@@ -14,7 +14,12 @@ struct Engine {
     std::function<bool(const std::string& in, const std::string& out)> set;
 };
 
-/// "ours", "floor", which only reads, copies, writes and renames, and the peers.
-const std::map<std::string, Engine>& engines();
+inline constexpr const char* keys[] = {"ring-vibrate", "silent-vibrate"};
+
+using Engines = std::map<std::string, Engine>;
+
+/// "ours", "floor", which only reads, copies, writes and renames, and the peers that are linked in:
+/// they add themselves before main begins.
+Engines& engines();
 
 }  // namespace quillet::bench

@@ -6,49 +6,35 @@
 //     plist-bench set IN OUT N [ENGINE]
 //     plist-bench make xml|binary SIZE OUT
 //
-// The first two print the median, the least and the first of N durations in nanoseconds.
+// The first two print the median, the least and the first of N durations in nanoseconds, and on a
+// second line the most memory that the process had at a time, in kilobytes.
 #include <plist/plist.h>
+#include <sys/resource.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 #include "bench/engine.h"
+#include "bench/measure.h"
 #include "bench/settings_file.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 
+namespace quillet::bench {
 namespace {
-
-using namespace quillet;
-using Words = std::vector<std::string>;
 
 constexpr std::uint64_t seed = 7;
 
-std::string wordAt(const Words& words, std::size_t index, const char* otherwise = nullptr) {
-    if (index < words.size()) return words[index];
-    if (otherwise == nullptr) throw std::runtime_error("too few words");
-    return otherwise;
-}
-
-void measure(int times, const std::function<bool()>& work) {
-    using Clock = std::chrono::steady_clock;
-    std::vector<std::int64_t> durations;
-    for (int i = 0; i < std::max(times, 1); ++i) {
-        const auto start = Clock::now();
+void measureOften(const std::string& times, const std::function<bool()>& work) {
+    print(measure(std::stoi(times), 1, [&] {
         if (!work()) throw std::runtime_error("the work cannot be done");
-        durations.push_back(std::chrono::nanoseconds{Clock::now() - start}.count());
-    }
-    const std::int64_t first = durations.front();
-    std::sort(durations.begin(), durations.end());
-    std::printf("%lld %lld %lld\n", static_cast<long long>(durations[durations.size() / 2]),
-                static_cast<long long>(durations.front()), static_cast<long long>(first));
+    }));
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("%ld\n", usage.ru_maxrss);
 }
 
 std::string inBinary(const std::string& text) {
@@ -64,34 +50,29 @@ std::string inBinary(const std::string& text) {
 }
 
 void make(const std::string& form, std::size_t size, const std::string& out) {
-    std::string bytes = standin::writePropertyList(bench::settings(size, seed));
+    std::string bytes = standin::writePropertyList(settings(size, seed));
     if (form == "binary") bytes = inBinary(bytes);
     if (!standin::writeFileAtomically(out, bytes)) throw std::runtime_error("cannot write " + out);
 }
 
-void run(const Words& words) {
+void work(const Words& words) {
     const std::string command = wordAt(words, 0);
     if (command == "make") {
         make(wordAt(words, 1), std::stoul(wordAt(words, 2)), wordAt(words, 3));
     } else if (command == "get") {
-        const auto& engine = bench::engines().at(wordAt(words, 3, "ours"));
-        measure(std::stoi(wordAt(words, 2)), [&] { return engine.get(words[1]); });
+        const Engine& engine = engines().at(wordAt(words, 3, "ours"));
+        measureOften(wordAt(words, 2), [&] { return engine.get(words[1]); });
     } else if (command == "set") {
-        const auto& engine = bench::engines().at(wordAt(words, 4, "ours"));
-        measure(std::stoi(wordAt(words, 3)), [&] { return engine.set(words[1], words[2]); });
+        const Engine& engine = engines().at(wordAt(words, 4, "ours"));
+        measureOften(wordAt(words, 3), [&] { return engine.set(words[1], words[2]); });
     } else {
         throw std::runtime_error("get, set or make");
     }
 }
 
 }  // namespace
+}  // namespace quillet::bench
 
 int main(int count, char** arguments) {
-    try {
-        run(Words(arguments + 1, arguments + count));
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "plist-bench: %s\n", error.what());
-        return EXIT_FAILURE;
-    }
-    return EXIT_SUCCESS;
+    return quillet::bench::run(count, arguments, quillet::bench::work);
 }

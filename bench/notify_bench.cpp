@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+//
+// Measures the notification service, and what it stands on:
+//
+//     notify-bench post N [ours|add|eventfd]
+//     notify-bench read N [token|name|load|pread]
+//     notify-bench wake N [ours|futex]
+//
+// Post and read print the median, the least and the first of N durations in nanoseconds, each the
+// mean of a thousand calls; wake prints the median and the 99th percentile of N times from a post
+// in one process to the callback in the run loop of another.
+#include <fcntl.h>
+#include <linux/futex.h>
+#include <sys/eventfd.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <random>
+#include <stdexcept>
+#include <string>
+
+#include "bench/folder.h"
+#include "bench/measure.h"
+#include "platform/notify.h"
+#include "platform/standin/device/device.h"
+#include "platform/standin/files/descriptor.h"
+
+namespace quillet::bench {
+namespace {
+
+using Work = std::function<void()>;
+
+constexpr char name[] = "com.apple.springboard.ringerstate";
+constexpr int batch = 1000;
+
+standin::DeviceOptions phoneIn(const Folder& folder) { return {.root = folder.path() / "phone"}; }
+
+/// What two processes share.
+struct Shared {
+    std::atomic<std::int64_t> posted;
+    std::atomic<std::uint32_t> round;
+    std::atomic<std::uint32_t> isReady;
+    std::atomic<std::uint64_t> word;
+    double durations[100000];
+};
+
+Shared& shareMemory() {
+    constexpr int flags = MAP_SHARED | MAP_ANONYMOUS;
+    void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, flags, -1, 0);
+    if (memory == MAP_FAILED) throw std::runtime_error("no memory to share");
+    return *static_cast<Shared*>(memory);
+}
+
+std::int64_t now() {
+    return std::chrono::nanoseconds{std::chrono::steady_clock::now().time_since_epoch()}.count();
+}
+
+void measurePost(int times, const std::string& engine) {
+    const Folder folder;
+    const standin::Device device{phoneIn(folder)};
+    Shared& shared = shareMemory();
+    const standin::Descriptor event{eventfd(0, EFD_NONBLOCK)};
+    const std::uint64_t one = 1;
+    const std::map<std::string, Work> engines{
+        {"ours", [] { notify_post(name); }},
+        {"add", [&] { shared.word.fetch_add(1); }},
+        {"eventfd", [&] { [[maybe_unused]] auto size = write(event.number(), &one, sizeof one); }}};
+    print(measure(times, batch, engines.at(engine)));
+}
+
+void readByName() {
+    int token = NOTIFY_TOKEN_INVALID;
+    std::uint64_t state = 0;
+    notify_register_check(name, &token);
+    notify_get_state(token, &state);
+    notify_cancel(token);
+}
+
+void measureRead(int times, const std::string& engine) {
+    const Folder folder;
+    const standin::Device device{phoneIn(folder)};
+    Shared& shared = shareMemory();
+    int token = NOTIFY_TOKEN_INVALID;
+    notify_register_check(name, &token);
+    std::uint64_t state = 0;
+    const standin::Descriptor file{open("/proc/self/exe", O_RDONLY | O_CLOEXEC)};
+    const std::map<std::string, Work> engines{
+        {"token", [&] { notify_get_state(token, &state); }},
+        {"name", readByName},
+        {"load", [&] { state = shared.word.load(); }},
+        {"pread", [&] { [[maybe_unused]] auto size = pread(file.number(), &state, 8, 0); }}};
+    print(measure(times, batch, engines.at(engine)));
+}
+
+/// Runs `work` in a process of its own, which ends with it.
+pid_t start(const Work& work) {
+    const pid_t child = fork();
+    if (child == 0) {
+        work();
+        _exit(0);
+    }
+    return child;
+}
+
+void observe(const standin::DeviceOptions& options, Shared& shared, std::uint32_t rounds) {
+    standin::Device device{options};
+    device.observers.add(name, [&] {
+        const std::uint32_t round = shared.round.load();
+        shared.durations[round] = static_cast<double>(now() - shared.posted.load());
+        shared.round.store(round + 1);
+        if (round + 1 == rounds) device.eventLoop.stop();
+    });
+    shared.isReady.store(1);
+    device.eventLoop.runUntil(std::numeric_limits<double>::infinity());
+}
+
+void postInTurn(const standin::DeviceOptions& options, Shared& shared, std::uint32_t rounds) {
+    const standin::Device device{options};
+    std::minstd_rand random;
+    while (shared.isReady.load() == 0) usleep(1000);
+    for (std::uint32_t round = 0; round < rounds; ++round) {
+        // At any point of the other's wait.
+        usleep(static_cast<useconds_t>(1000 + random() % 70000));
+        shared.posted.store(now());
+        notify_post(name);
+        while (shared.round.load() == round) usleep(100);
+    }
+}
+
+void futex(std::atomic<std::uint32_t>& word, int operation, std::uint32_t value) {
+    syscall(SYS_futex, &word, operation, value, nullptr, nullptr, 0);
+}
+
+/// Takes every second number of rounds, and hands on the next one.
+void takeTurns(Shared& shared, std::uint32_t rounds, std::uint32_t first) {
+    for (std::uint32_t round = first; round < 2 * rounds; round += 2) {
+        for (;;) {
+            const std::uint32_t seen = shared.round.load();
+            if (seen == round) break;
+            futex(shared.round, FUTEX_WAIT, seen);
+        }
+        if (first == 1) shared.durations[round / 2] = static_cast<double>(now() - shared.posted);
+        if (first == 0) shared.posted.store(now());
+        shared.round.store(round + 1);
+        futex(shared.round, FUTEX_WAKE, 1);
+    }
+}
+
+void measureWake(int times, const std::string& engine) {
+    const Folder folder;
+    Shared& shared = shareMemory();
+    const auto rounds = static_cast<std::uint32_t>(times);
+    pid_t child = 0;
+    if (engine == "ours") {
+        { const standin::Device made{phoneIn(folder)}; }
+        child = start([&] { observe(phoneIn(folder), shared, rounds); });
+        postInTurn(phoneIn(folder), shared, rounds);
+    } else {
+        child = start([&] { takeTurns(shared, rounds, 1); });
+        takeTurns(shared, rounds, 0);
+    }
+    waitpid(child, nullptr, 0);
+    printWithTail(Durations(shared.durations, shared.durations + rounds));
+}
+
+void work(const Words& words) {
+    const std::string command = wordAt(words, 0);
+    const int times = std::stoi(wordAt(words, 1));
+    if (command == "post") return measurePost(times, wordAt(words, 2, "ours"));
+    if (command == "read") return measureRead(times, wordAt(words, 2, "token"));
+    if (command == "wake") return measureWake(times, wordAt(words, 2, "ours"));
+    throw std::runtime_error("post, read or wake");
+}
+
+}  // namespace
+}  // namespace quillet::bench
+
+int main(int count, char** arguments) {
+    return quillet::bench::run(count, arguments, quillet::bench::work);
+}
