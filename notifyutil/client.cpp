@@ -9,7 +9,6 @@
 #include <stdexcept>
 
 #include "platform/notify.h"
-#include "platform/standin/files/file.h"
 #include "program/default_root.h"
 
 namespace quillet {
@@ -22,7 +21,7 @@ namespace {
 /// The root, if there is a device: this program looks at one and makes none.
 fs::path rootOf(const Request& request) {
     const fs::path root = request.root.empty() ? defaultRoot() : request.root;
-    if (standin::mayExist(DeviceRoot::below(root, DeviceRoot::notificationsPath))) return root;
+    if (DeviceRoot::isDevice(root)) return root;
     throw std::runtime_error(root.string() + ": no device; springboard makes one");
 }
 

@@ -216,6 +216,8 @@ TEST_F(NotifyUtil, NamesADeviceThatCannotBeUsed) {
     const Outcome outcome = notify({"-g", "a"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.errors, HasSubstr("not a table of notifications"));
+    fs::remove(onDevice("/var/run/notifications"));
+    EXPECT_THAT(notify({"-g", "a"}).errors, HasSubstr("the device has lost"));
 }
 
 TEST_F(NotifyUtil, FailsWhenItsLinesCannotBeWritten) {
