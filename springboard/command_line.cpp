@@ -83,6 +83,7 @@ void describe(CLI::App& app, Options& options) {
     app.name("springboard")->description(description)->footer(footer)->fallthrough();
     addSwitchCommands(app, options);
     addDeviceCommands(app, options);
+    addPrefsCommands(app, options);
     addOwnCommands(app, options);
     addDeviceOptions(app, options);
     addTraceOptions(app, options);

@@ -65,6 +65,9 @@ void addSwitchCommands(CLI::App& app, Options& options);
 /// new, model, host, erase.
 void addDeviceCommands(CLI::App& app, Options& options);
 
+/// prefs.
+void addPrefsCommands(CLI::App& app, Options& options);
+
 /// help, version.
 void addOwnCommands(CLI::App& app, Options& options);
 

@@ -80,7 +80,8 @@ std::string termOf(const CLI::App& command) {
 
 std::string usageOf(const CLI::App& app) {
     if (app.get_parent() == nullptr) return app.get_name() + " [OPTION]... COMMAND [WORD]...";
-    std::string usage = termOf(app);
+    const bool isFamily = !app.get_subcommands([](const CLI::App*) { return true; }).empty();
+    std::string usage = termOf(app) + (isFamily ? " [COMMAND [WORD]...]" : "");
     const CLI::App* parent = app.get_parent();
     for (; parent->get_parent() != nullptr; parent = parent->get_parent()) {
         usage.insert(0, parent->get_name() + ' ');
