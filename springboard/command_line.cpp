@@ -61,6 +61,7 @@ void addTraceOptions(CLI::App& app, Options& options) {
             "json (default): \"t\" in seconds, \"op\", \"receiver\" of a message, \"args\", and "
             "\"result\" where there is one; or text, for people",
             [&](auto& word) { options.traceFormat = traceFormat(word); });
+    offer(app, "--trace-format", {"json", "text"});
     trace.group("What is printed");
     format.needs(&trace)->group("What is printed");
 }
@@ -72,6 +73,7 @@ void addOtherOptions(CLI::App& app, Options& options) {
         "NO_COLOR is set",
         [&](auto& word) { options.color = color(word); })
         .group("What is printed");
+    offer(app, "--color", {"auto", "always", "never"});
     app.set_help_flag("-h,--help", "print this help, or that of the command before it")
         ->group("This program");
     app.add_flag("--version")->description("print the version")->group("This program");

@@ -69,4 +69,11 @@ void addWords(CLI::App& command, const char* name, const char* type, const char*
         ->group("Words");
 }
 
+void offer(CLI::App& app, const char* name, const std::vector<std::string>& words) {
+    std::string list;
+    for (const std::string& word : words) list += (list.empty() ? "" : " ") + word;
+    // Where CLI11 keeps what its own help, unlike ours, says of a default.
+    app.get_option(name)->default_str(list);
+}
+
 }  // namespace quillet

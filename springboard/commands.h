@@ -57,6 +57,9 @@ void addNeededWord(CLI::App& command, const char* name, const char* type, const 
 void addWords(CLI::App& command, const char* name, const char* type, const char* meaning,
               const std::function<void(const std::vector<std::string>&)>& take);
 
+/// Has completion offer `words` for an option of `app`, or for the word in a place, of that name.
+void offer(CLI::App& app, const char* name, const std::vector<std::string>& words);
+
 // The commands, by families.
 
 /// state, flip, apply, watch.
@@ -68,7 +71,7 @@ void addDeviceCommands(CLI::App& app, Options& options);
 /// prefs.
 void addPrefsCommands(CLI::App& app, Options& options);
 
-/// help, version.
+/// help, version, completion.
 void addOwnCommands(CLI::App& app, Options& options);
 
 }  // namespace quillet

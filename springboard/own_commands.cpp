@@ -10,6 +10,7 @@
 #include "program/terminal.h"
 #include "springboard/arrange.h"
 #include "springboard/commands.h"
+#include "springboard/completion.h"
 #include "springboard/help.h"
 
 namespace quillet {
@@ -25,6 +26,22 @@ void printHelp(const std::string& help, Color color) {
     print(hasColors(color, STDOUT_FILENO) ? withBoldHeadings(help) : help);
 }
 
+constexpr char completionFooter[] = R"(Where the shells look for it:
+  bash  ~/.local/share/bash-completion/completions/springboard
+  zsh   a file _springboard in a folder of $fpath
+  fish  ~/.config/fish/completions/springboard.fish
+)";
+
+void addCompletion(CLI::App& app, Options& options) {
+    const auto script = std::make_shared<std::string>();
+    CLI::App& command =
+        addCommand(app, "completion", "print a script by which a shell completes command lines",
+                   options, [script](const Options&) { print(*script); });
+    addNeededWord(command, "bash|zsh|fish", "a shell", "the shell",
+                  [script, &app](auto& shell) { *script = completionScript(app, shell); });
+    explain(command, completionFooter);
+}
+
 }  // namespace
 
 void addOwnCommands(CLI::App& app, Options& options) {
@@ -37,6 +54,7 @@ void addOwnCommands(CLI::App& app, Options& options) {
              [text, &app](auto& names) { *text = helpOf(commandNamed(app, names)); });
     addCommand(app, "version", "print the version", options,
                [](const Options&) { print("springboard (Quillet) " QUILLET_VERSION "\n"); });
+    addCompletion(app, options);
 }
 
 }  // namespace quillet

@@ -158,6 +158,10 @@ void exportPreferences(const Options& options, const fs::path& file) {
     }
 }
 
+void offerKeys(CLI::App& command) {
+    offer(command, "KEY", {preferenceKeys.begin(), preferenceKeys.end()});
+}
+
 /// A command with one word, by its name and its meaning.
 template <class Run>
 void addOne(CLI::App& prefs, const char* name, const char* meaning, Options& options,
@@ -168,6 +172,7 @@ void addOne(CLI::App& prefs, const char* name, const char* meaning, Options& opt
     const bool isKey = std::string_view{word.first} == "KEY";
     addNeededWord(command, word.first, isKey ? "a key" : "a file", word.second,
                   [argument, name](auto& given) { *argument = nonEmpty(name, given).string(); });
+    if (isKey) offerKeys(command);
 }
 
 void addSet(CLI::App& prefs, Options& options) {
@@ -179,6 +184,7 @@ void addSet(CLI::App& prefs, Options& options) {
                   [setting](auto& word) { setting->key = nonEmpty("set", word).string(); });
     addNeededWord(command, "VALUE", "a value", "the value from now on",
                   [setting](auto& word) { setting->word = word; });
+    offerKeys(command);
     explain(command, setFooter);
 }
 

@@ -13,8 +13,8 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-const Words commands = {"state", "flip",  "apply", "watch", "new",    "model",
-                        "host",  "erase", "prefs", "help",  "version"};
+const Words commands = {"state", "flip",  "apply", "watch", "new",     "model",
+                        "host",  "erase", "prefs", "help",  "version", "completion"};
 
 class Help : public SpringBoard {
 protected:

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <utility>
 
 #include "tests/springboard/springboard.h"
 
@@ -43,6 +44,17 @@ TEST_F(Installed, ItMayBeMovedAsAWhole) {
 TEST_F(Installed, BesideItIsTheProgramForNotifications) {
     EXPECT_EQ(runProgram(prefix() / "bin" / "notifyutil", {"--root", root(), "-g", "a"}), 0);
     EXPECT_EQ(printed(), "a 0\n");
+}
+
+TEST_F(Installed, ShellsFindWhatCompletesItsCommandLines) {
+    const std::pair<const char*, const char*> scripts[] = {
+        {"bash", "bash-completion/completions/springboard"},
+        {"zsh", "zsh/site-functions/_springboard"},
+        {"zsh", "zsh/vendor-completions/_springboard"},
+        {"fish", "fish/vendor_completions.d/springboard.fish"}};
+    for (const auto& [shell, script] : scripts) {
+        EXPECT_EQ(readText(prefix() / "share" / script), run({"completion", shell}).output);
+    }
 }
 
 TEST_F(Installed, TheManualsAreWhereManualsAre) {
