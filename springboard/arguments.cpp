@@ -33,9 +33,10 @@ standin::HostVariant hostVariant(std::string_view variant) {
 }
 
 TraceFormat traceFormat(std::string_view word) {
-    if (word != "json" && word != "text")
-        throw UsageError("no such trace format: " + inQuotes(word));
-    return word == "json" ? TraceFormat::json : TraceFormat::text;
+    if (word == "json") return TraceFormat::json;
+    if (word == "text") return TraceFormat::text;
+    if (word == "chrome") return TraceFormat::chrome;
+    throw UsageError("no such trace format: " + inQuotes(word));
 }
 
 std::int32_t number(std::string_view word) {

@@ -21,7 +21,7 @@ std::string machineName(std::string_view name);
 
 standin::HostVariant hostVariant(std::string_view variant);
 
-/// "json" or "text".
+/// "json", "text" or "chrome".
 TraceFormat traceFormat(std::string_view word);
 
 /// A 32-bit signed number in decimal digits, perhaps with a sign.

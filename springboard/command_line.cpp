@@ -49,19 +49,21 @@ void addDeviceOptions(CLI::App& app, Options& options) {
 }
 
 void addTraceOptions(CLI::App& app, Options& options) {
-    CLI::Option& trace = add(app, "--trace", optionalFile,
-                             "write a line for each platform operation that the switch calls "
-                             "(default: to standard error)",
-                             [&](auto& file) {
-                                 options.traces = true;
-                                 options.traceFile = file;
-                             });
+    CLI::Option& trace =
+        add(app, "--trace", optionalFile,
+            "write a record of each platform operation that the switch calls (default: to standard "
+            "error; \"-\": to standard output)",
+            [&](auto& file) {
+                options.traces = true;
+                options.traceFile = file;
+            });
     CLI::Option& format =
         add(app, "--trace-format", "FORMAT",
-            "json (default): \"t\" in seconds, \"op\", \"receiver\" of a message, \"args\", and "
-            "\"result\" where there is one; or text, for people",
+            "json (default): \"t\" in seconds, \"op\", \"receiver\" of a message, \"args\", "
+            "\"result\" where there is one, \"depth\" in other calls, and \"dur\" at the end of "
+            "what lasted; text, for people; or chrome, for viewers of traces",
             [&](auto& word) { options.traceFormat = traceFormat(word); });
-    offer(app, "--trace-format", {"json", "text"});
+    offer(app, "--trace-format", {"json", "text", "chrome"});
     trace.group("What is printed");
     format.needs(&trace)->group("What is printed");
 }
@@ -86,6 +88,7 @@ void describe(CLI::App& app, Options& options) {
     addSwitchCommands(app, options);
     addDeviceCommands(app, options);
     addPrefsCommands(app, options);
+    addTraceCommands(app, options);
     addOwnCommands(app, options);
     addDeviceOptions(app, options);
     addTraceOptions(app, options);

@@ -71,6 +71,9 @@ void addDeviceCommands(CLI::App& app, Options& options);
 /// prefs.
 void addPrefsCommands(CLI::App& app, Options& options);
 
+/// trace diff.
+void addTraceCommands(CLI::App& app, Options& options);
+
 /// help, version, completion.
 void addOwnCommands(CLI::App& app, Options& options);
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/host_process.h"
 
+#include <unistd.h>
+
+#include <chrono>
 #include <iostream>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -8,7 +11,6 @@
 
 #include "springboard/phone.h"
 #include "springboard/signals.h"
-#include "springboard/trace_format.h"
 
 namespace quillet {
 
@@ -18,10 +20,23 @@ namespace {
 
 const char* wordFor(FSSwitchState state) { return state == FSSwitchStateOn ? "on" : "off"; }
 
+/// Whether standard output is one document, in which no state must stand.
+bool traceIsOutput(const Options& options) {
+    return options.traceFile == "-" && options.traceFormat == TraceFormat::chrome;
+}
+
+/// What the wall clock showed when this clock was made.
+std::chrono::system_clock::time_point startOf(const standin::Clock& clock) {
+    const std::chrono::duration<double> since{clock.now()};
+    return std::chrono::system_clock::now() -
+           std::chrono::duration_cast<std::chrono::system_clock::duration>(since);
+}
+
 }  // namespace
 
 HostProcess::HostProcess(const Options& options)
     : json_{options.json},
+      output_{traceIsOutput(options) ? std::cerr : std::cout},
       device_{{.root = rootOf(options),
                .newFiles = newFiles(),
                .machine = options.machine,
@@ -34,23 +49,18 @@ HostProcess::HostProcess(const Options& options)
 }
 
 void HostProcess::startTrace(const Options& options) {
-    const std::filesystem::path& file = options.traceFile;
-    if (!file.empty()) {
-        traceFile_.open(file);
-        if (!traceFile_) throw std::runtime_error(file.string() + ": cannot be written");
-    }
-    trace_ = file.empty() ? &std::cerr : &traceFile_;
-    // Each line at once: a reader may follow the trace while the switch runs.
-    device_.trace.setSink([this, format = options.traceFormat](const TraceRecord& record) {
-        const bool isText = format == TraceFormat::text;
-        const std::string line = isText ? toText(record) : toLine(toJSON(record));
-        *trace_ << line + '\n' << std::flush;
-    });
+    trace_ =
+        std::make_unique<TraceWriter>(options.traceFile, options.traceFormat,
+                                      TraceOrigin{startOf(device_.clock), getpid(), "springboard",
+                                                  device_.machine, standin::textOf(device_.host)});
+    device_.trace.setSink(
+        [this](const TraceRecord& record) { trace_->begin(record); },
+        [this](const TraceRecord& record, double duration) { trace_->end(record, duration); });
 }
 
 void HostProcess::print(FSSwitchState state) const {
     const char* const word = wordFor(state);
-    std::cout << (json_ ? toLine({{"state", word}}) : word) << std::endl;
+    output_ << (json_ ? toLine({{"state", word}}) : word) << std::endl;
 }
 
 void HostProcess::checkService() const {
@@ -60,7 +70,8 @@ void HostProcess::checkService() const {
 
 void HostProcess::checkOutput() const {
     if (!std::cout) throw std::runtime_error("standard output cannot be written");
-    if (trace_ != nullptr && !*trace_) throw std::runtime_error("the trace cannot be written");
+    if (trace_ != nullptr && !trace_->isWritten())
+        throw std::runtime_error("the trace cannot be written");
 }
 
 FSSwitchState HostProcess::state() const { return switch_->stateForSwitchIdentifier(identifier()); }
@@ -91,6 +102,7 @@ FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
 FSSwitchState HostProcess::apply(std::optional<std::int32_t> state) {
     const FSSwitchState now = send(state);
     report(now);
+    if (trace_ != nullptr) trace_->finish();
     obeyHeldSignal();
     return now;
 }
@@ -106,7 +118,8 @@ void HostProcess::watch() {
     // No exception from here: the bundle's frames, which know none, are between us and watch().
     device_.framework.setRedraw([this](std::string_view /*identifier*/, FSSwitchState state) {
         print(state);
-        if (!std::cout || !traceFile_) device_.eventLoop.stop();
+        const bool isTraced = trace_ == nullptr || trace_->isWritten();
+        if (!output_ || !isTraced) device_.eventLoop.stop();
     });
     device_.eventLoop.runUntil(std::numeric_limits<double>::infinity());
     checkService();

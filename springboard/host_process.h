@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
+#include <memory>
+#include <ostream>
 #include <string>
 
 #include "platform/standin/device/device.h"
 #include "platform/standin/runtime/data_source.h"
 #include "springboard/options.h"
+#include "springboard/trace_writer.h"
 
 namespace quillet {
 
@@ -42,9 +44,10 @@ private:
     NSString identifier() const { return standin::makeString(identifier_); }
 
     bool json_;
-    std::ofstream traceFile_;
+    /// Where states go.
+    std::ostream& output_;
     /// Null when nothing is traced.
-    std::ostream* trace_ = nullptr;
+    std::unique_ptr<TraceWriter> trace_;
     standin::Device device_;
     std::string identifier_;
     standin::FSSwitchDataSource* switch_ = nullptr;

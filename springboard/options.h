@@ -27,7 +27,7 @@ struct Options {
     /// Not to be chosen on a command line.
     standin::Clock::Kind clock = standin::Clock::Kind::real;
     bool traces = false;
-    /// Empty for standard error.
+    /// Empty for standard error, "-" for standard output.
     std::filesystem::path traceFile;
     TraceFormat traceFormat = TraceFormat::json;
     bool json = false;

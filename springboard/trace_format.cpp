@@ -45,28 +45,67 @@ std::string messageOf(const TraceRecord& record) {
     return parts.empty() ? message : message + ' ' + std::string{parts};
 }
 
-/// "   0.503001"
-std::string secondsOf(double time) {
+std::string millionths(double seconds, int width) {
     std::ostringstream text;
-    text << std::fixed << std::setprecision(6) << std::setw(11) << time;
+    text << std::fixed << std::setprecision(6) << std::setw(width) << seconds;
     return text.str();
+}
+
+/// "   0.503001  ", and two blanks more for each call around this one.
+std::string marginOf(double time, int depth) {
+    return millionths(time, 11) + std::string(2 + 2 * static_cast<std::size_t>(depth), ' ');
+}
+
+double toTheMillionth(double seconds) { return std::round(seconds * 1e6) / 1e6; }
+
+/// What both ends of a call say first.
+Json headOf(const TraceRecord& record, double time) {
+    Json object = {{"t", toTheMillionth(time)}, {"op", record.operation}};
+    if (!record.receiver.empty()) object["receiver"] = record.receiver;
+    return object;
 }
 
 }  // namespace
 
+Json toJSON(const TraceOrigin& origin) {
+    return {{"event", "trace"},      {"time", wallClockText(origin.start)},
+            {"pid", origin.process}, {"program", origin.program},
+            {"model", origin.model}, {"host", origin.host}};
+}
+
 Json toJSON(const TraceRecord& record) {
-    Json object = {{"t", std::round(record.time * 1e6) / 1e6}, {"op", record.operation}};
-    if (!record.receiver.empty()) object["receiver"] = record.receiver;
+    Json object = headOf(record, record.time);
     object["args"] = Json::array();
     for (const TraceValue& argument : record.arguments) object["args"].push_back(toJSON(argument));
     if (record.result) object["result"] = toJSON(*record.result);
+    if (record.depth > 0) object["depth"] = record.depth;
     return object;
 }
 
+Json endToJSON(const TraceRecord& record, double duration) {
+    Json object = headOf(record, record.time + duration);
+    object["dur"] = toTheMillionth(duration);
+    if (record.depth > 0) object["depth"] = record.depth;
+    return object;
+}
+
+std::string toText(const TraceOrigin& origin) {
+    return "# " + wallClockText(origin.start) + ' ' + origin.program + ", process " +
+           std::to_string(origin.process) + ", " + origin.model + ", " + origin.host;
+}
+
+std::string callText(const TraceRecord& record) {
+    const std::string call = record.receiver.empty() ? callOf(record) : messageOf(record);
+    return record.result ? call + " = " + textOf(*record.result) : call;
+}
+
 std::string toText(const TraceRecord& record) {
-    const std::string line = secondsOf(record.time) + "  " +
-                             (record.receiver.empty() ? callOf(record) : messageOf(record));
-    return record.result ? line + " = " + textOf(*record.result) : line;
+    return marginOf(record.time, record.depth) + callText(record);
+}
+
+std::string endToText(const TraceRecord& record, double duration) {
+    return marginOf(record.time + duration, record.depth) + "end of " + record.operation +
+           " after " + millionths(duration, 0) + " s";
 }
 
 }  // namespace quillet

@@ -5,19 +5,43 @@
 
 #include "platform/standin/device/trace.h"
 #include "springboard/json.h"
+#include "springboard/trace_origin.h"
 
 namespace quillet {
 
-/// How the lines of a trace look.
-enum class TraceFormat { json, text };
+/// How a trace looks.
+enum class TraceFormat {
+    /// Lines of JSON.
+    json,
+    /// Lines for people.
+    text,
+    /// One document for viewers of traces, see chrome_trace.h.
+    chrome,
+};
+
+/// The first record of a trace as an object: "event", "time", "pid", "program", "model", "host".
+Json toJSON(const TraceOrigin& origin);
 
 /// A trace's record as an object: "t" in seconds, to the millionth, "op", "receiver" of a message,
-/// "args", and "result" where there is one.
+/// "args", "result" where there is one, and "depth" of a call in another one that lasts.
 Json toJSON(const standin::TraceRecord& record);
 
-/// A trace's record in a line for people, without the line's end: the time in seconds, then a
-/// message with each part of its name before its argument, or a call of a function, and " = " and
-/// the result where there is one. Arguments stand as in JSON.
+/// The end of a call that lasted `duration` seconds: as the record itself, without "args" and
+/// "result", with "t" when it ended and "dur".
+Json endToJSON(const standin::TraceRecord& record, double duration);
+
+// The same in lines for people, without the line's end.
+
+std::string toText(const TraceOrigin& origin);
+
+/// The time in seconds, then, indented by the depth, a message with each part of its name before
+/// its argument, or a call of a function, and " = " and the result where there is one. Arguments
+/// stand as in JSON.
 std::string toText(const standin::TraceRecord& record);
+
+/// "setVolumeTo:0.6 forCategory:"Ringtone" = true": what toText says of a record behind its time.
+std::string callText(const standin::TraceRecord& record);
+
+std::string endToText(const standin::TraceRecord& record, double duration);
 
 }  // namespace quillet

@@ -20,7 +20,8 @@ FSSwitchPanel FSSwitchPanel::sharedPanel() {
 void FSSwitchPanel::stateDidChangeForSwitchIdentifier(NSString identifier) const {
     standin::send(*this, [&](const Instance& panel) {
         Device& device = Device::current();
-        device.trace.message(panel, "stateDidChangeForSwitchIdentifier:", identifier);
+        const auto refresh =
+            device.trace.lastingMessage(panel, "stateDidChangeForSwitchIdentifier:", identifier);
         device.framework.refresh(standin::text(identifier));
     });
 }

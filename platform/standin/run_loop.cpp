@@ -29,14 +29,14 @@ void NSRunLoop::runUntilDate(NSDate limit) const {
         const double time =
             standin::send<DateInstance>(limit, [](const DateInstance& date) { return date.time; });
         Device& device = Device::current();
-        device.trace.message(loop, "runUntilDate:", time);
+        const auto wait = device.trace.lastingMessage(loop, "runUntilDate:", time);
         device.eventLoop.runUntil(time);
     });
 }
 
 void NSThread::sleepForTimeInterval(NSTimeInterval seconds) {
     Device& device = Device::current();
-    device.trace.message("NSThread", "sleepForTimeInterval:", seconds);
+    const auto sleep = device.trace.lastingMessage("NSThread", "sleepForTimeInterval:", seconds);
     device.clock.advanceTo(device.clock.now() + seconds);
 }
 

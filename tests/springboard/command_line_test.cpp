@@ -162,7 +162,7 @@ TEST_F(CommandLine, AMachineNameHasOneTo255Bytes) {
     expectOutput({"state", "--machine", "x"}, "on\n");
 }
 
-TEST_F(CommandLine, ATraceFormatIsOneOfTwoWordsAndNeedsATrace) {
+TEST_F(CommandLine, ATraceFormatIsOneOfThreeWordsAndNeedsATrace) {
     for (const char* const word : {"", "JSON", "xml", "tex"}) {
         expectBadUse({"--trace", "--trace-format", word, "state"},
                      "no such trace format: \"" + std::string{word} + "\"");

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -115,6 +116,30 @@ TEST(TraceJSON, KeepsOnlyTheASCIIOfATextThatIsNoUTF8) {
               R"("a\ufffdb")");
     EXPECT_EQ(json("\xC3\n"), R"("\ufffd\n")");
     EXPECT_EQ(json("\u00e9\xFF"), R"("\ufffd\ufffd\ufffd")");
+}
+
+TraceRecord aWait() { return {0.25, "<A>", "wait:", {0.5}, {}, 1, true}; }
+
+TEST(TraceJSON, HasTheDepthOfACallInAnotherOneAndHowLongItTookAtItsEnd) {
+    EXPECT_EQ(lineOf(aWait()),
+              R"({"t": 0.25, "op": "wait:", "receiver": "<A>", "args": [0.5], "depth": 1})");
+    EXPECT_EQ(toLine(endToJSON(aWait(), 0.5)),
+              R"({"t": 0.75, "op": "wait:", "receiver": "<A>", "dur": 0.5, "depth": 1})");
+}
+
+TEST(TraceJSON, SaysFirstWhereItComesFrom) {
+    const TraceOrigin origin{std::chrono::system_clock::time_point{std::chrono::milliseconds{1}},
+                             12, "springboard", "iPod5,1", "media=deaf"};
+    EXPECT_EQ(toLine(toJSON(origin)),
+              R"({"event": "trace", "time": "1970-01-01T00:00:00.001Z", "pid": 12, )"
+              R"("program": "springboard", "model": "iPod5,1", "host": "media=deaf"})");
+    EXPECT_EQ(toText(origin),
+              "# 1970-01-01T00:00:00.001Z springboard, process 12, iPod5,1, media=deaf");
+}
+
+TEST(TraceText, IsIndentedByTheDepth) {
+    EXPECT_EQ(toText(aWait()), "   0.250000    <A> wait:0.5");
+    EXPECT_EQ(endToText(aWait(), 0.5), "   0.750000    end of wait: after 0.500000 s");
 }
 
 TEST(TraceText, OfAMessageHasEachPartBeforeItsArgument) {

@@ -48,7 +48,8 @@ std::vector<TraceRecord> readTrace(const std::string& text) {
     for (std::string line; std::getline(lines, line);) {
         const Json json = Json::parse(line, nullptr, false);
         if (json.is_discarded()) throw std::runtime_error("no line of a trace: " + line);
-        trace.push_back(recordOf(json));
+        // The first line, and the ends of calls, are no calls.
+        if (json.contains("args")) trace.push_back(recordOf(json));
     }
     return trace;
 }

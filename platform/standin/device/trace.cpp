@@ -45,4 +45,20 @@ std::string receiverName(const Instance& instance) { return instance.description
 
 std::string receiverName(ClassOf receiver) { return receiver.instance.className(); }
 
+Trace::Lasting::Lasting(Trace* trace, std::optional<TraceRecord> record)
+    : trace_{trace}, record_{std::move(record)} {
+    if (trace_ != nullptr) ++trace_->depth_;
+}
+
+Trace::Lasting::~Lasting() {
+    if (trace_ == nullptr) return;
+    --trace_->depth_;
+    if (trace_->endSink_) trace_->endSink_(*record_, trace_->clock_.now() - record_->time);
+}
+
+void Trace::setSink(Sink sink, EndSink endSink) {
+    sink_ = std::move(sink);
+    endSink_ = std::move(endSink);
+}
+
 }  // namespace quillet::standin

@@ -34,6 +34,10 @@ struct TraceRecord {
     /// In order. An out argument stands as what the call left in it, null if it left nothing.
     std::vector<TraceValue> arguments;
     std::optional<TraceValue> result;
+    /// How many calls it is made in: those that last and have not ended yet.
+    int depth = 0;
+    /// Whether others may be made in it, and its end will be told.
+    bool lasts = false;
 };
 
 TraceValue toTrace(const Object& object);
@@ -95,12 +99,28 @@ Answer(const Result&) -> Answer<Result>;
 class Trace {
 public:
     using Sink = std::function<void(TraceRecord)>;
+    /// Hears of the end of a call that lasts, with its record and how long it took, in seconds.
+    using EndSink = std::function<void(const TraceRecord&, double)>;
+
+    /// A call that is under way: what is recorded until it goes was called in it.
+    class Lasting {
+    public:
+        /// Null, and no record, while there is no sink.
+        Lasting(Trace* trace, std::optional<TraceRecord> record);
+        ~Lasting();
+        Lasting(const Lasting&) = delete;
+        Lasting& operator=(const Lasting&) = delete;
+
+    private:
+        Trace* trace_;
+        std::optional<TraceRecord> record_;
+    };
 
     /// `clock`, which gives the records their time, must outlive the trace.
     explicit Trace(const Clock& clock) : clock_{clock} {}
 
-    /// The sink must not throw.
-    void setSink(Sink sink) { sink_ = std::move(sink); }
+    /// The sinks must not throw, and are not to be changed while a call lasts.
+    void setSink(Sink sink, EndSink endSink = {});
 
     /// Records a call of a C function: its name, its arguments and, where there is one, its Answer.
     template <class... Parts>
@@ -112,13 +132,31 @@ public:
     /// selector, the arguments and, where there is one, the Answer.
     template <class Receiver, class... Parts>
     void message(const Receiver& receiver, std::string_view selector, const Parts&... parts) {
-        if (!sink_) return;
-        TraceRecord record{clock_.now(), receiverName(receiver), std::string{selector}, {}, {}};
-        (add(record, parts), ...);
-        sink_(std::move(record));
+        if (sink_) sink_(recordOf(receiver, selector, parts...));
+    }
+
+    /// The same for a message that waits, or calls the bundle: it lasts until the answer goes.
+    template <class Receiver, class... Parts>
+    [[nodiscard]] Lasting lastingMessage(const Receiver& receiver, std::string_view selector,
+                                         const Parts&... parts) {
+        if (!sink_) return {nullptr, std::nullopt};
+        TraceRecord record = recordOf(receiver, selector, parts...);
+        record.lasts = true;
+        sink_(record);
+        return {this, std::move(record)};
     }
 
 private:
+    template <class Receiver, class... Parts>
+    TraceRecord recordOf(const Receiver& receiver, std::string_view name, const Parts&... parts) {
+        TraceRecord record;
+        record.time = clock_.now();
+        record.receiver = receiverName(receiver);
+        record.operation = name;
+        record.depth = depth_;
+        (add(record, parts), ...);
+        return record;
+    }
     static void add(TraceRecord& record, const auto& argument) {
         record.arguments.push_back(toTrace(argument));
     }
@@ -129,6 +167,8 @@ private:
 
     const Clock& clock_;
     Sink sink_;
+    EndSink endSink_;
+    int depth_ = 0;
 };
 
 }  // namespace quillet::standin

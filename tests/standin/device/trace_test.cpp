@@ -7,7 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "platform/flipswitch.h"
 #include "platform/property_list.h"
+#include "platform/run_loop.h"
 #include "platform/standin/device/device.h"
 #include "tests/standin/on_a_device.h"
 
@@ -87,10 +89,50 @@ TEST_F(TraceOfADevice, WithoutASinkNobodyIsAskedForADescription) {
     EXPECT_EQ(instance.times, 4);
 }
 
+TEST_F(TraceOfADevice, ACallThatLastsHoldsWhatIsCalledMeanwhileAndTellsHowLongItTook) {
+    std::vector<std::string> lines;
+    device().trace.setSink(
+        [&](const TraceRecord& record) {
+            lines.push_back(std::to_string(record.depth) + record.operation +
+                            (record.lasts ? "(" : ""));
+        },
+        [&](const TraceRecord& record, double duration) {
+            lines.push_back(std::to_string(record.depth) + record.operation + ") " +
+                            std::to_string(duration));
+        });
+    device().trace.function("before");
+    {
+        const auto outer = device().trace.lastingMessage("A", "outer");
+        device().clock.advanceTo(0.25);
+        const auto inner = device().trace.lastingMessage("A", "inner");
+        device().trace.function("inside");
+        device().clock.advanceTo(0.75);
+    }
+    device().trace.function("behind");
+    EXPECT_EQ(lines, (std::vector<std::string>{"0before", "0outer(", "1inner(", "2inside",
+                                               "1inner) 0.500000", "0outer) 0.750000", "0behind"}));
+}
+
+TEST_F(TraceOfADevice, TheBundlesWaitsLastAndARefreshLastsInThem) {
+    std::vector<std::string> lines;
+    device().trace.setSink([](const TraceRecord&) {},
+                           [&](const TraceRecord& record, double duration) {
+                               lines.push_back(record.operation + ' ' + std::to_string(duration));
+                           });
+    device().eventLoop.at(
+        0.5, [] { FSSwitchPanel::sharedPanel().stateDidChangeForSwitchIdentifier("a"); });
+    NSRunLoop::currentRunLoop().runUntilDate(NSDate::dateWithTimeIntervalSinceNow(2));
+    NSThread::sleepForTimeInterval(0.25);
+    EXPECT_EQ(lines, (std::vector<std::string>{"stateDidChangeForSwitchIdentifier: 0.000000",
+                                               "runUntilDate: 2.000000",
+                                               "sleepForTimeInterval: 0.250000"}));
+}
+
 TEST_F(TraceOfADevice, WithoutASinkNothingIsRecorded) {
     device().trace.function("seen");
     device().trace.setSink(nullptr);
     device().trace.function("not seen");
+    const auto call = device().trace.lastingMessage("A", "not seen");
     EXPECT_EQ(calls(), Calls{"seen()"});
 }
 

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#include <unistd.h>
+
+#include <algorithm>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "program/terminal.h"
+#include "springboard/commands.h"
+#include "springboard/trace_diff.h"
+#include "springboard/trace_reader.h"
+
+namespace quillet {
+
+namespace {
+
+constexpr std::size_t contextLines = 3;
+
+/// The same line in the colour of its side.
+std::string painted(const std::string& line) {
+    if (line.starts_with('-')) return "\033[31m" + line + "\033[m";
+    if (line.starts_with('+')) return "\033[32m" + line + "\033[m";
+    return line.starts_with('@') ? "\033[36m" + line + "\033[m" : line;
+}
+
+void checkOutput() {
+    if (!std::cout.flush()) throw std::runtime_error("standard output cannot be written");
+}
+
+/// Throws std::runtime_error when the calls of the two files differ, after it has printed where.
+void printDiff(const std::string& first, const std::string& second, Color color) {
+    const ReadTrace before = readTrace(first);
+    const ReadTrace after = readTrace(second);
+    const auto diff = diffOf(comparableCalls(before), comparableCalls(after));
+    auto lines = hunksOf(diff, contextLines);
+    if (lines.empty()) return;
+    const auto head = [](const char* mark, const std::string& file, const ReadTrace& trace) {
+        return mark + file + (trace.origin.empty() ? "" : ": " + trace.origin);
+    };
+    lines.insert(lines.begin(), {head("--- ", first, before), head("+++ ", second, after)});
+    const bool isColored = hasColors(color, STDOUT_FILENO);
+    for (const std::string& line : lines) std::cout << (isColored ? painted(line) : line) << '\n';
+    checkOutput();
+    const auto differs = [](const DiffLine& line) { return line.side != DiffLine::Side::both; };
+    throw std::runtime_error("the traces differ in " +
+                             std::to_string(std::ranges::count_if(diff, differs)) + " lines");
+}
+
+void addDiff(CLI::App& group, Options& options) {
+    struct Files {
+        std::string first;
+        std::string second;
+    };
+    const auto files = std::make_shared<Files>();
+    CLI::App& diff = addCommand(
+        group, "diff", "show where the calls of two traces differ", options,
+        [files](const Options& chosen) { printDiff(files->first, files->second, chosen.color); });
+    addNeededWord(diff, "A", "two traces", "a trace in JSON, or - for standard input",
+                  [files](auto& file) { files->first = file; });
+    addNeededWord(diff, "B", "two traces", "another one",
+                  [files](auto& file) { files->second = file; });
+    explain(diff, R"(Times and the numbers of tokens do not count: they differ from run to run.
+Calls that are made in others, as a refresh in a wait, are indented.
+
+Exit status:
+  0 when all calls are the same, in the same order; 1 when not
+)");
+}
+
+}  // namespace
+
+void addTraceCommands(CLI::App& app, Options& options) {
+    CLI::App& trace =
+        addGroup(app, "trace", "work with the traces that --trace has written", options);
+    addDiff(trace, options);
+}
+
+}  // namespace quillet
