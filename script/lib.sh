@@ -15,6 +15,15 @@ readonly deviceTestPackages=("${repositoryPackages[@]}" gobjc++ libgnustep-base-
 
 say() { printf '%s\n' "$*" >&2; }
 
+# The same in bold, after an empty line, where that is a terminal that has and may have colours.
+heading() {
+    if [[ -t 2 && -z ${NO_COLOR-} && ${TERM:-dumb} != dumb ]]; then
+        printf '\n\e[1m%s\e[m\n' "$*" >&2
+    else
+        printf '\n%s\n' "$*" >&2
+    fi
+}
+
 fail() {
     say "$(basename "$0"): $*"
     exit 1

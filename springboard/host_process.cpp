@@ -9,7 +9,9 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "program/terminal.h"
 #include "springboard/phone.h"
+#include "springboard/phone_now.h"
 #include "springboard/signals.h"
 
 namespace quillet {
@@ -44,6 +46,10 @@ HostProcess::HostProcess(const Options& options)
                .clock = options.clock}} {
     if (device_.isNew) tellNewPhone(device_.root.path());
     if (options.traces) startTrace(options);
+    if (options.explains) {
+        story_ = std::make_unique<Story>(&std::cerr, hasColors(options.color, STDERR_FILENO));
+    }
+    if (trace_ != nullptr) listen();
     identifier_ = device_.framework.load(bundleOf(options));
     switch_ = device_.framework.dataSource(identifier_);
 }
@@ -53,9 +59,18 @@ void HostProcess::startTrace(const Options& options) {
         std::make_unique<TraceWriter>(options.traceFile, options.traceFormat,
                                       TraceOrigin{startOf(device_.clock), getpid(), "springboard",
                                                   device_.machine, standin::textOf(device_.host)});
+}
+
+void HostProcess::listen() {
     device_.trace.setSink(
-        [this](const TraceRecord& record) { trace_->begin(record); },
-        [this](const TraceRecord& record, double duration) { trace_->end(record, duration); });
+        [this](const TraceRecord& record) {
+            if (trace_ != nullptr) trace_->begin(record);
+            if (story_ != nullptr) story_->begin(record);
+        },
+        [this](const TraceRecord& record, double duration) {
+            if (trace_ != nullptr) trace_->end(record, duration);
+            if (story_ != nullptr) story_->end(record, duration);
+        });
 }
 
 void HostProcess::print(FSSwitchState state) const {
@@ -89,6 +104,20 @@ FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
     checkService();  // The device may have been erased meanwhile.
     // The settings that the switch changes for a while are the user's.
     holdSignals();
+    if (story_ == nullptr) {
+        sendMessage(state);
+        return this->state();
+    }
+    listen();
+    story_->open(device_.clock.now(), device_.machine, lookAt(device_));
+    sendMessage(state);
+    const double end = device_.clock.now();
+    const FSSwitchState now = this->state();
+    story_->close(end, wordFor(now), lookAt(device_));
+    return now;
+}
+
+void HostProcess::sendMessage(std::optional<std::int32_t> state) {
     if (state) {
         switch_->applyState(static_cast<FSSwitchState>(*state), identifier());
     } else {
@@ -96,18 +125,22 @@ FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
     }
     // The switch's own post comes back to it, as in a host whose run loop goes on.
     device_.eventLoop.turn();
-    return this->state();
 }
 
 FSSwitchState HostProcess::apply(std::optional<std::int32_t> state) {
     const FSSwitchState now = send(state);
     report(now);
+    if (tellsOutcome_) std::cerr << story_->outcome() + '\n';
     if (trace_ != nullptr) trace_->finish();
     obeyHeldSignal();
     return now;
 }
 
 void HostProcess::flip(std::optional<std::int32_t> state) {
+    if (story_ == nullptr && isatty(STDERR_FILENO) == 1) {
+        story_ = std::make_unique<Story>(nullptr, false);
+        tellsOutcome_ = true;
+    }
     const FSSwitchState now = apply(state);
     if (!state || now == *state) return;
     throw std::runtime_error(std::string{"the flip did not come about: the switch is "} +

@@ -9,6 +9,7 @@
 #include "platform/standin/device/device.h"
 #include "platform/standin/runtime/data_source.h"
 #include "springboard/options.h"
+#include "springboard/story.h"
 #include "springboard/trace_writer.h"
 
 namespace quillet {
@@ -24,16 +25,20 @@ public:
     /// Waits for its turn before that. See holdSignals for the signals that come meanwhile, which
     /// are obeyed at the end.
     FSSwitchState apply(std::optional<std::int32_t> state);
-    /// The same. Throws std::runtime_error when the switch then has another state than `state`.
+    /// The same, and on a terminal a line of what came of it. Throws std::runtime_error when the
+    /// switch then has another state than `state`.
     void flip(std::optional<std::int32_t> state);
     /// Prints the state at each refresh, until the process is interrupted.
     void watch();
 
 private:
     void startTrace(const Options& options);
+    /// Hands what is recorded to the trace and the story, where there are such.
+    void listen();
     FSSwitchState state() const;
     /// Answers the state afterwards.
     FSSwitchState send(std::optional<std::int32_t> state);
+    void sendMessage(std::optional<std::int32_t> state);
     void print(FSSwitchState state) const;
     /// Throws std::runtime_error when the notification service is not what others have any more.
     void checkService() const;
@@ -48,6 +53,9 @@ private:
     std::ostream& output_;
     /// Null when nothing is traced.
     std::unique_ptr<TraceWriter> trace_;
+    /// Null when nothing is told.
+    std::unique_ptr<Story> story_;
+    bool tellsOutcome_ = false;
     standin::Device device_;
     std::string identifier_;
     standin::FSSwitchDataSource* switch_ = nullptr;

@@ -30,6 +30,8 @@ struct Options {
     /// Empty for standard error, "-" for standard output.
     std::filesystem::path traceFile;
     TraceFormat traceFormat = TraceFormat::json;
+    /// Whether a flip is told step by step.
+    bool explains = false;
     bool json = false;
     Color color = Color::automatic;
     /// The program's help.

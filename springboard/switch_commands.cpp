@@ -19,6 +19,13 @@ constexpr char applyFooter[] = R"(The number:
 
 using State = std::optional<std::int32_t>;
 
+void addExplain(CLI::App& command, Options& options) {
+    addFlag(
+        command, "--explain",
+        "tell the steps in words, with their times, and what was left behind, on standard error",
+        [&options] { options.explains = true; });
+}
+
 void addFlip(CLI::App& app, Options& options) {
     const auto state = std::make_shared<State>();
     CLI::App& flip =
@@ -27,6 +34,7 @@ void addFlip(CLI::App& app, Options& options) {
     addWord(flip, "on|off", "on or off",
             "the state to apply; without it, the opposite of what it is",
             [state](auto& word) { *state = onOrOff(word); });
+    addExplain(flip, options);
 }
 
 void addApply(CLI::App& app, Options& options) {
@@ -36,6 +44,7 @@ void addApply(CLI::App& app, Options& options) {
         options, [state](const Options& chosen) { HostProcess{chosen}.apply(*state); });
     addNeededWord(apply, "N", "a number", "the state to apply",
                   [state](auto& word) { *state = number(word); });
+    addExplain(apply, options);
     explain(apply, applyFooter);
 }
 
