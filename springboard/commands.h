@@ -71,7 +71,7 @@ void addDeviceCommands(CLI::App& app, Options& options);
 /// prefs.
 void addPrefsCommands(CLI::App& app, Options& options);
 
-/// trace diff.
+/// trace diff, timeline.
 void addTraceCommands(CLI::App& app, Options& options);
 
 /// help, version, completion.

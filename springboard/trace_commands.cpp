@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -9,7 +10,9 @@
 #include <vector>
 
 #include "program/terminal.h"
+#include "springboard/arguments.h"
 #include "springboard/commands.h"
+#include "springboard/timeline.h"
 #include "springboard/trace_diff.h"
 #include "springboard/trace_reader.h"
 
@@ -70,12 +73,48 @@ Exit status:
 )");
 }
 
+void writeFile(const std::string& file, const std::string& text) {
+    std::ofstream stream{file};
+    if (!(stream << text << std::flush)) throw std::runtime_error(file + ": cannot be written");
+}
+
+void addTimeline(CLI::App& app, Options& options) {
+    struct Asked {
+        std::string file = "-";
+        std::string picture;
+    };
+    const auto asked = std::make_shared<Asked>();
+    CLI::App& timeline = addCommand(
+        app, "timeline", "show a trace in JSON on a line: its waits cut, its calls magnified",
+        options, [asked](const Options& chosen) {
+            const Timeline laidOut = layOut(readTrace(asked->file), timelineColumns);
+            if (!asked->picture.empty()) return writeFile(asked->picture, timelineSVG(laidOut));
+            std::cout << timelineText(laidOut, hasColors(chosen.color, STDOUT_FILENO));
+            checkOutput();
+        });
+    addWord(timeline, "FILE.trace", "a trace",
+            "what --trace=FILE.trace has written (default: standard input)",
+            [asked](auto& file) { asked->file = file; });
+    addOption(timeline, "--svg", "OUT", "write a picture to this file instead, as SVG",
+              [asked](auto& file) { asked->picture = nonEmpty("--svg", file); });
+    explain(timeline,
+            R"(A strip shows all of it true to scale: "#" where something is called. Below it,
+each burst of calls has a scale of its own, and "//500 ms//" stands for half a
+second in which nothing was called. "+" is a call, "|" one that leads to a word.
+What happens while the switch waits, as a refresh, hangs on ":".
+
+Example:
+  springboard --trace=- flip | springboard timeline
+)");
+}
+
 }  // namespace
 
 void addTraceCommands(CLI::App& app, Options& options) {
     CLI::App& trace =
         addGroup(app, "trace", "work with the traces that --trace has written", options);
     addDiff(trace, options);
+    addTimeline(app, options);
 }
 
 }  // namespace quillet
