@@ -4,6 +4,8 @@
 #include <iostream>
 #include <system_error>
 
+#include "springboard/preferences.h"
+
 namespace quillet {
 
 namespace fs = std::filesystem;
@@ -18,7 +20,7 @@ constexpr char turnPath[] = "/var/run/springboard.lock";
 std::vector<standin::NewFile> newFiles() {
     // The user's choices: the vibration is the switch's, when it mutes.
     return {
-        {"/var/mobile/Library/Preferences/com.velk.switch.ringer.plist",
+        {preferencesPath,
          {{"ios-vibrate-pattern", false}, {"vibrate-when-off", true}, {"vibrate-when-on", false}}}};
 }
 

@@ -6,6 +6,7 @@
 #include "platform/standin/plist/readings.h"
 #include "platform/standin/runtime/dictionary_file.h"
 #include "springboard/json.h"
+#include "springboard/preferences.h"
 
 namespace quillet {
 
@@ -14,7 +15,6 @@ using standin::Value;
 
 namespace {
 
-constexpr char preferencesPath[] = "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist";
 constexpr char settingsPath[] = "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 
 /// The value of `key` as `reading` takes it; nothing where there is none.

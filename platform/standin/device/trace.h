@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -69,6 +70,12 @@ TraceValue toTrace(Pointer pointer);
 
 inline TraceValue toTrace(const char* text) { return toTrace(std::string_view{text}); }
 inline TraceValue toTrace(std::nullptr_t) { return {}; }
+
+/// For embedders who look at what they trace in their own way.
+template <std::same_as<TraceValue> Value>
+TraceValue toTrace(Value value) {
+    return value;
+}
 
 /// Null for nothing.
 template <class Value>

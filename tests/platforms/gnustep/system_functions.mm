@@ -51,8 +51,8 @@ void __wrap_CFNotificationCenterAddObserver(CFNotificationCenterRef center, cons
     const std::string nameText{standin::text(standinString(name))};
     standin::Device& device = standin::Device::current();
     device.trace.function("CFNotificationCenterAddObserver", "<CFNotificationCenter>",
-                          standin::pointerTrace(observer), "<callback>", nameText,
-                          standin::pointerTrace(object), behavior);
+                          standin::Pointer{observer}, "<callback>", nameText,
+                          standin::Pointer{object}, behavior);
     device.observers.add(nameText, [=] {
         asHost([&] {
             callback(center, const_cast<void*>(observer),
