@@ -76,4 +76,6 @@ void offer(CLI::App& app, const char* name, const std::vector<std::string>& word
     app.get_option(name)->default_str(list);
 }
 
+void offerFiles(CLI::App& app, const char* name) { offer(app, name, {"FILE"}); }
+
 }  // namespace quillet

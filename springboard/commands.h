@@ -60,6 +60,9 @@ void addWords(CLI::App& command, const char* name, const char* type, const char*
 /// Has completion offer `words` for an option of `app`, or for the word in a place, of that name.
 void offer(CLI::App& app, const char* name, const std::vector<std::string>& words);
 
+/// The same for the names of files, where it is not called FILE.
+void offerFiles(CLI::App& app, const char* name);
+
 // The commands, by families.
 
 /// state, flip, apply, watch.

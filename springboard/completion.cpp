@@ -35,9 +35,10 @@ OfferedArgument argumentOf(const CLI::Option& option) {
     const bool isPlace = option.get_positional();
     OfferedArgument argument{.name = isPlace ? option.get_name() : option.get_type_name()};
     if (argument.name == optionalFile) argument.name = "FILE";
-    argument.isFile = argument.name == "FILE";
+    const std::string& offered = option.get_default_str();
+    argument.isFile = argument.name == "FILE" || offered == "FILE";
     argument.isFolder = argument.name == "DIR";
-    argument.words = split(option.get_default_str(), ' ');
+    if (!argument.isFile) argument.words = split(offered, ' ');
     if (isPlace && isWord(argument.name)) argument.words = split(argument.name, '|');
     return argument;
 }

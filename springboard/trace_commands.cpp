@@ -65,6 +65,8 @@ void addDiff(CLI::App& group, Options& options) {
                   [files](auto& file) { files->first = file; });
     addNeededWord(diff, "B", "two traces", "another one",
                   [files](auto& file) { files->second = file; });
+    offerFiles(diff, "A");
+    offerFiles(diff, "B");
     explain(diff, R"(Times and the numbers of tokens do not count: they differ from run to run.
 Calls that are made in others, as a refresh in a wait, are indented.
 
@@ -97,6 +99,8 @@ void addTimeline(CLI::App& app, Options& options) {
             [asked](auto& file) { asked->file = file; });
     addOption(timeline, "--svg", "OUT", "write a picture to this file instead, as SVG",
               [asked](auto& file) { asked->picture = nonEmpty("--svg", file); });
+    offerFiles(timeline, "FILE.trace");
+    offerFiles(timeline, "--svg");
     explain(timeline,
             R"(A strip shows all of it true to scale: "#" where something is called. Below it,
 each burst of calls has a scale of its own, and "//500 ms//" stands for half a

@@ -87,7 +87,12 @@ TEST_F(Completion, OffersFilesAndFolders) {
     EXPECT_THAT(offered({"--root", "a"}), ElementsAre("a folder"));
     EXPECT_THAT(offered({"--trace", "=", "a f"}),
                 testing::UnorderedElementsAre("a folder", "a file"));
-    EXPECT_THAT(offered({"prefs", "import", "a fi"}), ElementsAre("a file"));
+    for (Words words :
+         {Words{"prefs", "import"}, Words{"trace", "diff"}, Words{"trace", "diff", "A"},
+          Words{"timeline"}, Words{"timeline", "--svg"}}) {
+        words.emplace_back("a fi");
+        EXPECT_THAT(offered(words), ElementsAre("a file")) << testing::PrintToString(words);
+    }
 }
 
 TEST_F(Completion, OffersNoWordThatTheProgramRefuses) {
