@@ -86,7 +86,7 @@ private:
         if (run_.status == 1 && run_.errors.empty() && !isAbout("run.errors")) {
             say("exits 1 without a message");
         }
-        const bool isSlow = hasOneByte() || isDenied("");
+        const bool isSlow = hasOneByte() || isDenied("") || hasWaited();
         if (run_.count > laboratory_.sound().count + manyCalls && !isSlow) {
             say("makes hundreds of system calls more than without the fault");
         }
@@ -97,6 +97,11 @@ private:
     }
     bool hasOneByte() const {
         return hasInjury([](const Injury& injury) { return injury.error == oneByte; });
+    }
+    /// For a lock that another one has; it is asked for every 10 ms, for a second.
+    bool hasWaited() const {
+        return hasInjury(
+            [](const Injury& injury) { return injury.call == "flock" && injury.error == EAGAIN; });
     }
 
     /// The calls of the platform are those of the model, or a beginning of them when it fails.
