@@ -8,6 +8,13 @@
 #include "tests/standin/on_a_device.h"
 #include "tests/support/phone.h"
 
+// What the bundle's calls arrive at.
+extern "C" {
+void* __wrap_dlopen(const char* path, int mode);
+void* __wrap_dlsym(void* handle, const char* symbol);
+int __wrap_dlclose(void* handle);
+}
+
 namespace quillet::test {
 namespace {
 
@@ -65,6 +72,17 @@ TEST_F(System, AModelMayFillTheWholeField) {
     EXPECT_EQ(isiPod(std::string(251, 'x') + "iPod"), YES);
     EXPECT_EQ(isiPod(std::string(252, 'x') + "iPod"), NO) << "cut at 255 bytes";
     EXPECT_EQ(isiPod("iPod" + std::string(1000, 'x')), YES);
+}
+
+TEST_F(System, HasOneLibraryWithOneFunction) {
+    EXPECT_EQ(__wrap_dlopen("/usr/lib/libz.dylib", 1), nullptr);
+    void* const handle = __wrap_dlopen(library, 1);
+    EXPECT_NE(__wrap_dlsym(handle, "GSSendAppPreferencesChanged"), nullptr);
+    EXPECT_EQ(__wrap_dlsym(handle, "GSSendAppPreferencesChange"), nullptr);
+    EXPECT_EQ(__wrap_dlsym(nullptr, "GSSendAppPreferencesChanged"), nullptr);
+    EXPECT_EQ(__wrap_dlclose(nullptr), -1);
+    EXPECT_EQ(__wrap_dlclose(handle), 0);
+    EXPECT_EQ(__wrap_dlclose(handle), -1) << "closed already";
 }
 
 TEST_F(System, GraphicsServicesIsOpenedCalledAndClosed) {
