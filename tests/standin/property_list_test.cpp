@@ -92,6 +92,17 @@ TEST_F(DictionaryFile, ThatIsTooLargeIsNotReadAtAll) {
     EXPECT_EQ(NSFileManager::defaultManager().fileExistsAtPath(path), YES);
 }
 
+TEST_F(DictionaryFile, ThatGivesNilSaysWhereAndWhy) {
+    const std::string file = device().below(path);
+    EXPECT_EQ(standin::whyNoDictionary(file), "it cannot be read");
+    write(std::string{"<dict>\n<key>a</key></dict>"});
+    EXPECT_EQ(standin::whyNoDictionary(file), "line 2, column 13: a key without a value");
+    write(std::string{"bplist00"});
+    EXPECT_EQ(standin::whyNoDictionary(file), "offset 0: a trailer that does not fit the file");
+    write(Value{Array{}});
+    EXPECT_EQ(standin::whyNoDictionary(file), "it holds no dictionary");
+}
+
 TEST_F(DictionaryFile, IsLookedUpBelowTheDevicesRoot) {
     EXPECT_FALSE(NSDictionary::dictionaryWithContentsOfFile(device().below(path).c_str()));
     EXPECT_EQ(NSFileManager::defaultManager().fileExistsAtPath("/etc/passwd"), NO);

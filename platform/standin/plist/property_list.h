@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/standin/plist/fault.h"
 #include "platform/standin/plist/tape_builder.h"
 #include "platform/standin/plist/value.h"
 
@@ -15,13 +16,6 @@ enum class Form { xml, binary };
 
 /// The form that bytes are in, as far as their beginning tells: what is not binary is XML.
 Form formOf(std::string_view bytes);
-
-/// Where and why bytes are malformed.
-struct Fault {
-    /// In bytes from the first one, of an XML document's text in UTF-8.
-    std::size_t offset = 0;
-    const char* reason = "";
-};
 
 /// What is larger counts as malformed.
 inline constexpr std::size_t maxFileSize = std::size_t{1} << 30U;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -125,7 +126,7 @@ private:
         if (level.values.empty()) {
             const Enclosure enclosure = level.enclosure;
             open_.pop_back();
-            return builder_.close(enclosure);
+            return builder_.close(enclosure) || fail(builder_.refusal());
         }
         const std::uint64_t value = takeReference(level.values);
         return (level.keys.empty() || addKey(takeReference(level.keys))) && add(value);
@@ -136,7 +137,8 @@ private:
         const auto object = objectAt(reference);
         const Node* const key = object ? textOf(*object, reference) : nullptr;
         if (key == nullptr || key->kind != Kind::string) return fail("a key that is no string");
-        return charge(nodeCharge + key->size) && builder_.addKey(*key);
+        return charge(nodeCharge + key->size) &&
+               (builder_.addKey(*key) || fail(builder_.refusal()));
     }
 
     bool add(std::uint64_t reference) {
@@ -176,7 +178,7 @@ private:
         if (!count) return fail("a container that is cut short");
         const std::string_view keys = takeBytes(object, isDictionary ? *count * size : 0);
         open_.push_back({enclosure, keys, takeBytes(object, *count * size)});
-        return builder_.open(enclosure) || fail("containers that nest too deep");
+        return builder_.open(enclosure) || fail(builder_.refusal());
     }
 
     std::shared_ptr<Tape> tape_;
@@ -196,7 +198,8 @@ private:
 std::optional<Value> readBinaryPropertyList(std::string bytes, Fault* fault) {
     const auto trailer = bytes.size() > maxFileSize ? std::nullopt : trailerOf(bytes);
     if (!trailer) {
-        if (fault != nullptr) *fault = {bytes.size(), "a trailer that does not fit the file"};
+        const std::size_t place = std::max(bytes.size(), trailerSize) - trailerSize;
+        if (fault != nullptr) *fault = {place, "a trailer that does not fit the file"};
         return std::nullopt;
     }
     BinaryReader reader{std::move(bytes), *trailer};

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -105,6 +107,31 @@ std::optional<Node> scalarOf(XMLName name, XMLScanner::Text text) {
     }
 }
 
+/// Why there is no value in an element of that name that was well-formed, and in any of a name that
+/// no property list has.
+const char* reasonAgainst(XMLName name) {
+    switch (name) {
+        case xmlName("integer"):
+            return "no integer that 64 bits hold";
+        case xmlName("real"):
+            return "no real number";
+        case xmlName("date"):
+            return "no date";
+        case xmlName("true"):
+        case xmlName("false"):
+            return "a text in an element that has none";
+        default:
+            return "an element that no property list has";
+    }
+}
+
+bool isScalar(XMLName name) {
+    constexpr std::array names{xmlName("string"), xmlName("integer"), xmlName("real"),
+                               xmlName("date"),   xmlName("true"),    xmlName("false"),
+                               xmlName("data"),   xmlName("key")};
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
 std::optional<Enclosure> enclosureNamed(XMLName name) {
     switch (name) {
         case xmlName("dict"):
@@ -153,36 +180,62 @@ public:
         return valueAt(tape_, tape_->nodes.front());
     }
 
-    Fault fault() const { return {scanner_.offset(), "malformed"}; }
+    Fault fault() const { return fault_; }
 
 private:
+    bool fail(Fault fault) {
+        fault_ = fault;
+        return false;
+    }
+    /// The fault is in the last tag.
+    bool failAtTag(const char* reason) { return fail({scanner_.lastTag(), reason}); }
+
     bool take(XMLScanner::Tag tag) {
         const auto enclosure = enclosureNamed(tag.name);
-        if (tag.kind == TagKind::end) return enclosure && close(*enclosure);
-        if (tag.kind == TagKind::malformed) return false;
+        if (tag.kind == TagKind::malformed) return fail(scanner_.fault());
         if (!enclosure) return takeScalar(tag);
-        return builder_.open(*enclosure) && (tag.kind == TagKind::start || close(*enclosure));
+        if (tag.kind == TagKind::end) return close(*enclosure);
+        if (!builder_.open(*enclosure)) return failAtTag(builder_.refusal());
+        return tag.kind == TagKind::start || close(*enclosure);
     }
 
     bool close(Enclosure enclosure) {
-        if (!builder_.close(enclosure)) return false;
+        if (!builder_.close(enclosure)) return failAtTag(builder_.refusal());
         if (enclosure == Enclosure::dictionary) settleUID(tape_->nodes);
         return true;
     }
 
     bool takeScalar(XMLScanner::Tag tag) {
+        if (tag.kind == TagKind::end) return failAtTag("an end without a start");
         const auto text = tag.kind == TagKind::empty ? XMLScanner::Text{{}, true} : scanner_.text();
-        if (!text) return false;
-        if (tag.kind == TagKind::start && !scanner_.takeEnd(tag.name)) return false;
-        if (tag.name == xmlName("key"))
-            return builder_.addKey(stringNode(text->characters, text->isPlain));
+        if (!text) return failInText(tag);
+        if (tag.kind == TagKind::start && !scanner_.takeEnd(tag.name)) return failAtEnd(tag, *text);
+        if (tag.name == xmlName("key")) {
+            const Node key = stringNode(text->characters, text->isPlain);
+            return builder_.addKey(key) || failBefore(*text, builder_.refusal());
+        }
         const auto value = scalarOf(tag.name, *text);
-        return value && builder_.add(*value);
+        if (!value) return failBefore(*text, reasonAgainst(tag.name));
+        return builder_.add(*value) || failBefore(*text, builder_.refusal());
+    }
+
+    bool failInText(XMLScanner::Tag tag) {
+        return isScalar(tag.name) ? fail(scanner_.fault()) : failAtTag(reasonAgainst(tag.name));
+    }
+    bool failAtEnd(XMLScanner::Tag tag, const XMLScanner::Text& text) {
+        return isScalar(tag.name) ? failAtTag("an end tag that does not match")
+                                  : failBefore(text, reasonAgainst(tag.name));
+    }
+    /// The fault is in the element whose text this is.
+    bool failBefore(const XMLScanner::Text& text, const char* reason) {
+        const char* const start = text.characters.data();
+        return start == nullptr ? failAtTag(reason) : fail({scanner_.tagBefore(start), reason});
     }
 
     std::shared_ptr<Tape> tape_;
     XMLScanner scanner_;
     TapeBuilder builder_;
+    Fault fault_;
 };
 
 }  // namespace
@@ -190,7 +243,7 @@ private:
 std::optional<Value> readXMLPropertyList(std::string bytes, Fault* fault) {
     auto document = bytes.size() > maxFileSize ? std::nullopt : documentInUTF8(std::move(bytes));
     if (!document) {
-        if (fault != nullptr) *fault = {0, "an unknown encoding, or too many bytes"};
+        if (fault != nullptr) *fault = {0, "an encoding that is not known, or too many bytes"};
         return std::nullopt;
     }
     XMLReader reader{*std::move(document)};

@@ -31,6 +31,8 @@ std::vector<Member> membersOf(const std::vector<const Node*>& keys, Counts count
     return members;
 }
 
+constexpr char keyWithoutValue[] = "a key without a value";
+
 }  // namespace
 
 void settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts) {
@@ -53,7 +55,8 @@ TapeBuilder::TapeBuilder(std::vector<Node>& nodes, Counts counts)
 
 bool TapeBuilder::addKey(const Node& key) {
     Level& level = levels_.back();
-    if (level.enclosure != Enclosure::dictionary || level.acceptsValue) return false;
+    if (level.enclosure != Enclosure::dictionary) return refuse("a key outside a dictionary");
+    if (level.acceptsValue) return refuse(keyWithoutValue);
     const std::string_view text = key.text();
     level.keysAscend = level.keysAscend && (level.count == 0 || level.lastKey < text);
     level.lastKey = text;
@@ -69,7 +72,8 @@ bool TapeBuilder::isOutermostWrapper(Enclosure enclosure) const {
 
 bool TapeBuilder::open(Enclosure enclosure) {
     const int deeper = isOutermostWrapper(enclosure) ? 0 : 1;
-    if (depth_ + deeper > maxDepth || !acceptValue()) return false;
+    if (depth_ + deeper > maxDepth) return refuse("containers that nest too deep");
+    if (!acceptValue()) return false;
     depth_ += deeper;
     levels_.push_back({.enclosure = enclosure,
                        .acceptsValue = enclosure != Enclosure::dictionary,
@@ -82,12 +86,26 @@ bool TapeBuilder::open(Enclosure enclosure) {
 
 bool TapeBuilder::close(Enclosure enclosure) {
     const Level level = levels_.back();
-    const bool isWhole = enclosure == Enclosure::array || !level.acceptsValue;
-    if (levels_.size() == 1 || level.enclosure != enclosure || !isWhole) return false;
+    const bool isOpen = levels_.size() > 1 && level.enclosure == enclosure;
+    if (!isOpen) return refuse("an end without a start");
+    if (enclosure != Enclosure::array && level.acceptsValue) {
+        return refuse(enclosure == Enclosure::wrapper ? "an end where a value belongs"
+                                                      : keyWithoutValue);
+    }
     levels_.pop_back();
     depth_ -= isOutermostWrapper(enclosure) ? 0 : 1;
     if (enclosure != Enclosure::wrapper) finish(level);
     return true;
+}
+
+bool TapeBuilder::refuse(const char* reason) {
+    refusal_ = reason;
+    return false;
+}
+
+bool TapeBuilder::refuseValue(Enclosure enclosure) {
+    return refuse(enclosure == Enclosure::dictionary ? "a value without a key"
+                                                     : "a second value where one belongs");
 }
 
 void TapeBuilder::finish(const Level& level) {

@@ -40,6 +40,9 @@ public:
     bool open(Enclosure enclosure);
     bool close(Enclosure enclosure);
 
+    /// Why a part was refused, in a phrase.
+    const char* refusal() const { return refusal_; }
+
     /// True once the one value is complete.
     bool isComplete() const { return levels_.size() == 1 && !levels_.back().acceptsValue; }
 
@@ -56,11 +59,13 @@ private:
 
     bool acceptValue() {
         Level& level = levels_.back();
-        if (!level.acceptsValue) return false;
+        if (!level.acceptsValue) return refuseValue(level.enclosure);
         level.acceptsValue = level.enclosure == Enclosure::array;
         ++level.count;
         return true;
     }
+    bool refuse(const char* reason);
+    bool refuseValue(Enclosure enclosure);
     void finish(const Level& level);
     bool isOutermostWrapper(Enclosure enclosure) const;
 
@@ -68,6 +73,7 @@ private:
     Counts counts_;
     std::vector<Level> levels_;
     int depth_ = 0;
+    const char* refusal_ = "";
 };
 
 }  // namespace quillet::standin

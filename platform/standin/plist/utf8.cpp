@@ -48,13 +48,13 @@ std::size_t sequenceLength(std::string_view bytes) {
 
 }  // namespace
 
-bool isUTF8(std::string_view bytes) {
+std::size_t utf8Length(std::string_view bytes) {
+    std::string_view rest = bytes;
     for (;;) {
-        bytes.remove_prefix(asciiPrefix(bytes));
-        if (bytes.empty()) return true;
-        const std::size_t length = sequenceLength(bytes);
-        if (length == 0) return false;
-        bytes.remove_prefix(length);
+        rest.remove_prefix(asciiPrefix(rest));
+        const std::size_t length = rest.empty() ? 0 : sequenceLength(rest);
+        if (length == 0) return bytes.size() - rest.size();
+        rest.remove_prefix(length);
     }
 }
 

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace quillet::standin {
 
-/// Whether `bytes` are UTF-8 in shortest form, without surrogates or code points above U+10FFFF.
-bool isUTF8(std::string_view bytes);
+/// How many of the first bytes are UTF-8 in shortest form, without surrogates or code points above
+/// U+10FFFF.
+std::size_t utf8Length(std::string_view bytes);
+
+/// Whether all are.
+inline bool isUTF8(std::string_view bytes) { return utf8Length(bytes) == bytes.size(); }
 
 bool isASCII(std::string_view bytes);
 

@@ -16,6 +16,12 @@
 namespace quillet::standin {
 namespace {
 
+constexpr char tooShort[] = "an end of the file before that of the value";
+constexpr char textBetweenTags[] = "text where a tag belongs";
+constexpr char unfinished[] = "something without its end: a comment, a quotation, an instruction";
+constexpr char unfinishedTag[] = "a tag without its end";
+constexpr char unknownReference[] = "a reference to no character that is known";
+
 /// By character: whether it is one of `characters`.
 constexpr auto tableOf(std::string_view characters) {
     std::array<bool, 256> table{};
@@ -73,9 +79,14 @@ void moveTo(char*& text, const char* first, const char* last) {
 
 bool XMLScanner::skipPast(std::string_view token) {
     const std::size_t start = rest().find(token);
-    if (start == std::string_view::npos) return false;
+    if (start == std::string_view::npos) return fail(unfinished);
     next_ += start + token.size();
     return true;
+}
+
+std::size_t XMLScanner::tagBefore(const char* part) const {
+    const std::string_view before{start_, offsetOf(part)};
+    return std::min(before.rfind('<'), before.size());
 }
 
 /// The bytes up to the end, of which there are fewer than eight; see eightBytes.
@@ -118,7 +129,7 @@ bool XMLScanner::skipDocumentType() {
         if (character == "]") isInSubset = false;
         if ((character == "\"" || character == "'") && !skipPast(character)) return false;
     }
-    return false;
+    return fail(unfinished);
 }
 
 /// Past white space and what else may stand between tags. False when that is malformed.
@@ -135,7 +146,7 @@ inline bool XMLScanner::skipToTag() {
 bool XMLScanner::skipMarkup() {
     if (consume("<!--")) return skipPast("-->");
     if (consume("<?")) return skipPast("?>");
-    if (!isBeforeFirstTag_ || !consume("<!DOCTYPE")) return false;
+    if (!isBeforeFirstTag_ || !consume("<!DOCTYPE")) return fail(textBetweenTags);
     isBeforeFirstTag_ = false;
     return skipDocumentType();
 }
@@ -168,7 +179,7 @@ inline XMLScanner::Tag XMLScanner::startTag() {
     if (!skipAttributes()) return {Kind::malformed, 0};
     if (consume(">")) return {Kind::start, name};
     if (consume("/>")) return {Kind::empty, name};
-    return {Kind::malformed, 0};
+    return malformed(unfinishedTag);
 }
 
 inline XMLScanner::Tag XMLScanner::endTag() {
@@ -176,11 +187,12 @@ inline XMLScanner::Tag XMLScanner::endTag() {
     if (consume(">")) return {Kind::end, name};
     skipWhiteSpace();
     if (consume(">")) return {Kind::end, name};
-    return {Kind::malformed, 0};
+    return malformed(unfinishedTag);
 }
 
 XMLScanner::Tag XMLScanner::next() {
-    if (!skipToTag() || !consume("<")) return {Kind::malformed, 0};
+    if (!skipToTag()) return {Kind::malformed, 0};
+    if (!consume("<")) return malformed(next_ == end_ ? tooShort : textBetweenTags);
     return consume("/") ? endTag() : startTag();
 }
 
@@ -190,11 +202,11 @@ bool XMLScanner::takeEnd(XMLName name) {
 
 bool XMLScanner::takeReference(char*& text) {
     const std::size_t size = rest().find(';');
-    if (size == std::string_view::npos) return false;
+    if (size == std::string_view::npos) return fail(unknownReference);
     const std::string_view name = rest().substr(0, size);
     const auto character =
         name.starts_with('#') ? characterNumber(name.substr(1)) : namedCharacter(name);
-    if (!character) return false;
+    if (!character) return fail(unknownReference);
     next_ += size + 1;
     text = putUTF8(text, *character);
     return true;
@@ -205,11 +217,13 @@ bool XMLScanner::takeReference(char*& text) {
 bool XMLScanner::takeMarkup(char*& text) {
     if (consume("&")) return takeReference(text);
     if (consume("<!--")) return skipPast("-->");
-    if (isAt("<?xml") && rest().size() > 5 && isWhiteSpace(next_[5])) return false;
+    if (isAt("<?xml") && rest().size() > 5 && isWhiteSpace(next_[5])) {
+        return fail("an XML declaration inside a text");
+    }
     if (consume("<?")) return skipPast("?>");
-    if (!consume("<![CDATA[")) return false;
+    if (!consume("<![CDATA[")) return fail("an element inside a text");
     const std::size_t size = rest().find("]]>");
-    if (size == std::string_view::npos) return false;
+    if (size == std::string_view::npos) return fail(unfinished);
     moveTo(text, next_, next_ + size);
     next_ += size + 3;
     return true;
@@ -224,11 +238,17 @@ std::optional<XMLScanner::Text> XMLScanner::markedText(char* start) {
         moveTo(text, run, next_);
         if (isAt("</")) {
             const std::string_view characters{start, static_cast<std::size_t>(text - start)};
-            if (!isUTF8(characters)) return std::nullopt;
+            if (const std::size_t size = utf8Length(characters); size != characters.size()) {
+                // Where nothing was moved, the place is that of the bytes, else of the whole text.
+                next_ = text == next_ ? start + size : start;
+                fail("bytes that are no text in UTF-8");
+                return std::nullopt;
+            }
             return Text{characters, isPlain(characters)};
         }
         if (!takeMarkup(text)) return std::nullopt;
     }
+    fail(tooShort);
     return std::nullopt;
 }
 

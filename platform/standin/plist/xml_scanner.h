@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/standin/plist/fault.h"
+
 namespace quillet::standin {
 
 /// A name of up to seven letters as a number, the first one in the lowest byte. Every other name
@@ -54,10 +56,24 @@ public:
     /// Takes the end tag of `name`. False when something else comes next, or the name is 0.
     bool takeEnd(XMLName name);
 
-    /// How far the scanner has come, in bytes.
-    std::size_t offset() const { return static_cast<std::size_t>(next_ - start_); }
+    /// What was malformed.
+    Fault fault() const { return {offsetOf(next_), reason_}; }
+
+    /// Where the tag begins that is the last one before `part` of the document, or before what
+    /// comes next.
+    std::size_t tagBefore(const char* part) const;
+    std::size_t lastTag() const { return tagBefore(next_); }
 
 private:
+    std::size_t offsetOf(const char* part) const { return static_cast<std::size_t>(part - start_); }
+    bool fail(const char* reason) {
+        reason_ = reason;
+        return false;
+    }
+    Tag malformed(const char* reason) {
+        reason_ = reason;
+        return {Kind::malformed, 0};
+    }
     std::string_view rest() const { return {next_, static_cast<std::size_t>(end_ - next_)}; }
     bool isAt(std::string_view token) const {
         // Not starts_with(), which the compiler makes a call of.
@@ -87,6 +103,7 @@ private:
     char* next_;
     char* end_;
     bool isBeforeFirstTag_ = true;
+    const char* reason_ = "";
 };
 
 }  // namespace quillet::standin

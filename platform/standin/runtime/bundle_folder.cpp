@@ -19,8 +19,12 @@ std::string string(const Dictionary& dictionary, std::string_view key) {
 }  // namespace
 
 BundleFolder::BundleFolder(std::filesystem::path path) : path_{std::move(path)} {
-    auto info = readDictionary(path_ / "Info.plist");
-    if (!info) throw BundleError(path_.string() + ": not a bundle (no readable Info.plist in it)");
+    const std::filesystem::path file = path_ / "Info.plist";
+    auto info = readDictionary(file);
+    if (!info) {
+        throw BundleError(path_.string() + ": not a bundle (Info.plist: " + whyNoDictionary(file) +
+                          ')');
+    }
     info_ = std::move(*info);
 }
 

@@ -53,6 +53,14 @@ std::optional<Dictionary> readDictionary(const std::filesystem::path& path) {
     return insist([&] { return readOnce(path); });
 }
 
+std::string whyNoDictionary(const std::filesystem::path& path) {
+    const auto bytes = readFile(path, maxSettingsSize);
+    if (!bytes) return "it cannot be read";
+    Fault fault;
+    if (readPropertyList(*bytes, &fault)) return "it holds no dictionary";
+    return describe(fault, *bytes);
+}
+
 bool writeDictionary(const std::filesystem::path& path, const Value& dictionary) {
     return insist([&] { return writeOnce(path, dictionary, Form::xml); });
 }

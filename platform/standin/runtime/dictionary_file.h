@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <string>
 
 #include "platform/standin/plist/value.h"
 
@@ -19,6 +20,10 @@ inline constexpr std::size_t maxSettingsSize = std::size_t{64} << 20U;
 /// The dictionary in the file at `path`, in either form; nothing when there is none to be read,
 /// when the file is larger than maxSettingsSize, or when there is no memory for it.
 std::optional<Dictionary> readDictionary(const std::filesystem::path& path);
+
+/// Why readDictionary answers nothing, in a phrase: "line 3, column 7: a key without a value", or
+/// that the file cannot be read or holds something else.
+std::string whyNoDictionary(const std::filesystem::path& path);
 
 /// Writes `dictionary`, which was read from a file or made anew, in the XML form to the file at
 /// `path`; see writeFileAtomically. False when it cannot be written, its text would take too much

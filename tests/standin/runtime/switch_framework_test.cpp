@@ -94,7 +94,7 @@ TEST_F(FrameworkLoader, AFolderWithoutAPropertyListIsNoBundle) {
 
 TEST_F(FrameworkLoader, AMalformedPropertyListMakesNoBundle) {
     writeBytes(bundle() / "Info.plist", "<plist version=\"1.0\"><dict><key>");
-    expectRefused(bundle(), "not a bundle");
+    expectRefused(bundle(), "not a bundle (Info.plist: line 1, column 33: an end of the file");
     writeBytes(bundle() / "Info.plist", standin::writePropertyList(standin::Array{}));
     expectRefused(bundle(), "not a bundle");
 }
