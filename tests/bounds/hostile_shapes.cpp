@@ -65,6 +65,51 @@ std::string sharedReferences(std::size_t count, const std::string& object) {
     return file.bytes();
 }
 
+/// Strings that begin at every sixth byte and reach to the last one.
+std::string overlappingStrings(std::size_t size) {
+    const std::size_t count = size / 16;
+    std::string strings;
+    while (strings.size() < 6 * count) {
+        strings += "\x5F\x12" + bigEndian(6 * (count - 1) - strings.size(), 4);
+    }
+    return strings;
+}
+
+/// A file of `objects`, the first of which refers to `count` objects that begin `step` bytes after
+/// one another.
+std::string manyOffsets(std::size_t count, std::size_t step, const std::string& objects) {
+    std::vector<std::uint64_t> numbers;
+    for (std::size_t i = 1; i <= count; ++i) numbers.push_back(i);
+    const std::string array = arrayObject(numbers, 3);
+    const std::size_t header = 8;
+    const std::size_t start = header + array.size();
+    std::string offsets = bigEndian(header, 4);
+    for (std::size_t i = 0; i < count; ++i) offsets += bigEndian(start + i * step, 4);
+    return "bplist00" + array + objects + offsets + std::string(6, '\0') + "\x04\x03" +
+           bigEndian(count + 1, 8) + bigEndian(0, 8) + bigEndian(start + objects.size(), 8);
+}
+
+/// Dictionaries in one another, each of which loses an entry and has what the next one holds to be
+/// moved.
+std::string duplicatesInOneAnother(std::size_t references) {
+    const std::size_t levels = 250;
+    BinaryPropertyList file;
+    file.offsetSize = 4;
+    for (std::uint64_t i = 1; i <= levels; ++i) {
+        file.objects.push_back(dictionaryObject({252, 251, 252}, {253, i, 253}));
+    }
+    file.objects.push_back(arrayObject(std::vector<std::uint64_t>(references, 253)));
+    file.objects.insert(file.objects.end(), {asciiObject("a"), asciiObject("b"), "\x09"});
+    return file.bytes();
+}
+
+std::string duplicatesInOneAnotherInXML(std::size_t size) {
+    const std::string flags = "<array><true/><true/></array>";
+    return manyTimes("<dict><key>b</key><true/><key>a</key>", depth) + "<array>" +
+           repeated("<true/>", size) + "</array>" +
+           manyTimes("<key>b</key>" + flags + "</dict>", depth);
+}
+
 std::string utf16Object(std::size_t units) {
     std::string bytes;
     for (std::size_t i = 0; i < units; ++i) bytes += "\x20\xAC";
@@ -100,8 +145,16 @@ std::vector<HostileShape> binaryShapes(std::size_t size) {
         {"shared long string", sharedReferences(half, asciiObject(std::string(half, 'a')))},
         {"shared long UTF-16", sharedReferences(half, utf16Object(half / 2))},
         {"shared long Latin-1", sharedReferences(half, asciiObject(std::string(half, '\xE9')))},
-        {"long UTF-16", binaryFileOf(utf16Object(half))},
-        {"many objects", BinaryPropertyList{std::vector<std::string>(half / 2, "\xA0")}.bytes()},
+        {"long UTF-16", BinaryPropertyList{{utf16Object(half)}, 4}.bytes()},
+        {"many objects",
+         BinaryPropertyList{std::vector<std::string>(half / 2, "\xA0"), 4, 3}.bytes()},
+        {"many numbers for one string",
+         manyOffsets(half / 8, 0, asciiObject(std::string(half, 'a') + "\xC3\xA9"))},
+        {"many numbers for one string of ASCII",
+         manyOffsets(half / 8, 0, asciiObject(std::string(half, 'a')))},
+        {"many numbers for overlapping strings",
+         manyOffsets(size / 16, 6, overlappingStrings(size))},
+        {"duplicate keys in one another", duplicatesInOneAnother(size)},
     };
 }
 
@@ -120,6 +173,7 @@ std::vector<HostileShape> xmlShapes(std::size_t size) {
         {"small arrays", "<array>" + repeated("<array><true/></array>", size) + "</array>"},
         {"empty keys", "<dict>" + repeated("<key/><true/>", size) + "</dict>"},
         {"duplicate keys", duplicateKeys(size / 24)},
+        {"duplicate keys in one another, in XML", duplicatesInOneAnotherInXML(size)},
         {"unfinished arrays", repeated("<array>", size)},
         {"unfinished tags", repeated("<plist>", size)},
         {"comments in text", "<string>" + repeated("<!---->", size) + "</string>"},

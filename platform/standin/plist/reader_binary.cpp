@@ -158,6 +158,8 @@ private:
         if (text.kind == Kind::string || text.kind == Kind::data) return &text;
         const auto stored = textIn(object);
         if (!stored) return nullptr;
+        // Texts may overlap: looking through them all must not take too long.
+        if (stored->kind == Kind::string && !charge(stored->bytes.size())) return nullptr;
         const bool isBytes = stored->kind == Kind::string && !stored->isUTF16;
         if (isBytes && isPlainASCII(stored->bytes))
             return &(text = stringNode(stored->bytes, true));

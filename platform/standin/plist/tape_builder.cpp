@@ -33,13 +33,18 @@ std::vector<Member> membersOf(const std::vector<const Node*>& keys, Counts count
 
 constexpr char keyWithoutValue[] = "a key without a value";
 
+/// How often each node of a large file may be moved, and how many moves a small one has.
+constexpr std::size_t movesOfEach = 16;
+constexpr std::size_t movesAllowed = 1000000;
+
 }  // namespace
 
-void settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts) {
+bool settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts) {
     const auto keys = sortedKeys(nodes[place]);
-    if (std::adjacent_find(keys.begin(), keys.end(), areSame) == keys.end()) return;
+    if (std::adjacent_find(keys.begin(), keys.end(), areSame) == keys.end()) return false;
     const auto members = membersOf(keys, counts);
     std::vector<Node> left;
+    left.reserve(nodes.size() - place);
     for (const auto& [key, counted] : members) {
         left.push_back(*key);
         left.insert(left.end(), counted + 1, counted[1].next());
@@ -48,6 +53,7 @@ void settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts
     nodes[place].count = members.size();
     nodes[place].size = static_cast<std::uint32_t>(left.size());
     nodes.insert(nodes.end(), left.begin(), left.end());
+    return true;
 }
 
 TapeBuilder::TapeBuilder(std::vector<Node>& nodes, Counts counts)
@@ -94,8 +100,7 @@ bool TapeBuilder::close(Enclosure enclosure) {
     }
     levels_.pop_back();
     depth_ -= isOutermostWrapper(enclosure) ? 0 : 1;
-    if (enclosure != Enclosure::wrapper) finish(level);
-    return true;
+    return enclosure == Enclosure::wrapper || finish(level);
 }
 
 bool TapeBuilder::refuse(const char* reason) {
@@ -108,11 +113,16 @@ bool TapeBuilder::refuseValue(Enclosure enclosure) {
                                                      : "a second value where one belongs");
 }
 
-void TapeBuilder::finish(const Level& level) {
+bool TapeBuilder::finish(const Level& level) {
     Node& head = (*nodes_)[level.place];
     head.count = level.count;
     head.size = static_cast<std::uint32_t>(nodes_->size() - level.place - 1);
-    if (!level.keysAscend) settleDuplicates(*nodes_, level.place, counts_);
+    if (level.keysAscend) return true;
+    // Where dictionaries nest, the inner ones are moved again with each outer one.
+    const std::size_t most = movesAllowed + movesOfEach * nodes_->size();
+    if (moved_ > most) return refuse("too many duplicate keys in one another");
+    if (settleDuplicates(*nodes_, level.place, counts_)) moved_ += nodes_->size() - level.place;
+    return true;
 }
 
 }  // namespace quillet::standin

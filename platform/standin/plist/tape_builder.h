@@ -16,14 +16,15 @@ inline constexpr int maxDepth = 512;
 enum class Counts { first, last };
 
 /// Leaves one entry for each key of the dictionary at `place`, at the place of the key's first one;
-/// the dictionary is the last value of `nodes`.
-void settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts);
+/// the dictionary is the last value of `nodes`. False when there was no other.
+bool settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts);
 
 /// Puts one value together from the parts of a file, in their order.
 ///
 /// Every part may be refused, with false: a second value where one belongs, a key where none
 /// belongs, a value in a dictionary that awaits a key, a container deeper than maxDepth, an end
-/// that does not match. The file is malformed then.
+/// that does not match, duplicate keys whose removal would take too long. The file is malformed
+/// then.
 class TapeBuilder {
 public:
     /// A wrapper holds one value, and leaves no trace of itself.
@@ -66,13 +67,15 @@ private:
     }
     bool refuse(const char* reason);
     bool refuseValue(Enclosure enclosure);
-    void finish(const Level& level);
+    bool finish(const Level& level);
     bool isOutermostWrapper(Enclosure enclosure) const;
 
     std::vector<Node>* nodes_;
     Counts counts_;
     std::vector<Level> levels_;
     int depth_ = 0;
+    /// Nodes that were in dictionaries with duplicate keys, counted in each.
+    std::size_t moved_ = 0;
     const char* refusal_ = "";
 };
 
