@@ -42,7 +42,14 @@ std::optional<Trailer> trailerOf(std::string_view file) {
     const std::uint64_t offsets = bigEndian(bytes.substr(24, 8));
     const auto isSize = [](std::size_t size) { return size >= 1 && size <= 16; };
     if (!isSize(trailer.offsetSize) || !isSize(trailer.referenceSize)) return std::nullopt;
-    if (offsets > end || objects > (end - offsets) / trailer.offsetSize) return std::nullopt;
+    // The offsets lie between the objects and the trailer, and nothing else does.
+    if (offsets > end || (end - offsets) % trailer.offsetSize != 0) return std::nullopt;
+    if (objects != (end - offsets) / trailer.offsetSize) return std::nullopt;
+    const auto reaches = [](std::size_t size, std::uint64_t number) {
+        return size >= sizeof number || number >> (8 * size) == 0;
+    };
+    if (!reaches(trailer.referenceSize, objects)) return std::nullopt;
+    if (!reaches(trailer.offsetSize, offsets)) return std::nullopt;
     trailer.objects = static_cast<std::size_t>(objects);
     trailer.offsets = static_cast<std::size_t>(offsets);
     return trailer;

@@ -45,19 +45,47 @@ TEST(MalformedBinaryPropertyList, CountsAndPositionsInTheTrailerOutOfRange) {
     const std::uint64_t objects = smallFile().objects.size();
     const std::uint64_t offsets = good.size() - 32 - 2 * objects;
     for (const std::uint64_t count :
-         {std::uint64_t{0}, objects + 1, std::uint64_t{1} << 32, (std::uint64_t{1} << 63) + objects,
-          greatest / 2 + 1, greatest}) {
+         {std::uint64_t{0}, objects - 1, objects + 1, std::uint64_t{1} << 32,
+          (std::uint64_t{1} << 63) + objects, greatest / 2 + 1, greatest}) {
         EXPECT_EQ(readBinaryPropertyList(withField(good, 8, 8, count)), std::nullopt) << count;
     }
     for (const std::uint64_t top : {objects, objects + 1, std::uint64_t{1} << 63, greatest}) {
         EXPECT_EQ(readBinaryPropertyList(withField(good, 16, 8, top)), std::nullopt) << top;
     }
     for (const std::uint64_t position :
-         {std::uint64_t{0}, std::uint64_t{7}, std::uint64_t{8}, offsets + 1, good.size() - 32,
-          good.size() - 31, std::uint64_t{good.size()}, std::uint64_t{1} << 63, greatest - 7,
-          greatest}) {
+         {std::uint64_t{0}, std::uint64_t{7}, std::uint64_t{8}, offsets - 2, offsets - 1,
+          offsets + 1, offsets + 2, good.size() - 32, good.size() - 31, std::uint64_t{good.size()},
+          std::uint64_t{1} << 63, greatest - 7, greatest}) {
         EXPECT_EQ(readBinaryPropertyList(withField(good, 24, 8, position)), std::nullopt)
             << position;
+    }
+}
+
+TEST(MalformedBinaryPropertyList, BytesBetweenTheOffsetsAndTheTrailer) {
+    for (const std::size_t size : {1U, 2U, 40U}) {
+        std::string bytes = smallFile().bytes();
+        EXPECT_EQ(readBinaryPropertyList(bytes.insert(bytes.size() - 32, size, '\0')), std::nullopt)
+            << size;
+    }
+}
+
+TEST(MalformedBinaryPropertyList, ReferencesTooShortForTheLastObject) {
+    for (const std::size_t count : {255U, 256U}) {
+        BinaryPropertyList file{std::vector<std::string>(count, "\x09")};
+        EXPECT_EQ(readBinaryPropertyList(file.bytes()).has_value(), count == 255) << count;
+        file.referenceSize = 2;
+        EXPECT_TRUE(readBinaryPropertyList(file.bytes())) << count;
+    }
+}
+
+TEST(MalformedBinaryPropertyList, OffsetsTooShortForTheLastObject) {
+    for (const std::size_t end : {255U, 256U}) {
+        const std::size_t before = 8 + 1;
+        BinaryPropertyList file{{"\x09", std::string(end - before, '\x09')}};
+        file.offsetSize = 1;
+        EXPECT_EQ(readBinaryPropertyList(file.bytes()).has_value(), end == 255) << end;
+        file.offsetSize = 2;
+        EXPECT_TRUE(readBinaryPropertyList(file.bytes())) << end;
     }
 }
 

@@ -211,6 +211,20 @@ TEST(BinaryPropertyList, CountsOfEveryWidth) {
     EXPECT_EQ(readObject("\x6F\x10\x10"s + std::string(32, '\x20')).has_value(), true);
 }
 
+TEST(BinaryPropertyList, OfNumbersOfSixteenBytesTheLastEightCount) {
+    const std::string high = bigEndian(0x0123456789ABCDEF, 8);
+    EXPECT_EQ(readObject("\x4F\x14" + high + bigEndian(3, 8) + "abc"), Value{Data{"abc"}});
+    EXPECT_EQ(readObject("\x8F" + high + bigEndian(7, 8)), Value{UID{7}});
+    // Their one object stands right behind the header.
+    EXPECT_EQ(
+        readBinaryPropertyList("bplist00\x09" + high + bigEndian(8, 8) + std::string(6, '\0') +
+                               "\x10\x01" + bigEndian(1, 8) + bigEndian(0, 8) + bigEndian(9, 8)),
+        Value{true});
+    BinaryPropertyList file{{"\xA1" + high + bigEndian(1, 8), "\x09"}};
+    file.referenceSize = 16;
+    EXPECT_EQ(readBinaryPropertyList(file.bytes()), (Value{Array{true}}));
+}
+
 TEST(BinaryPropertyList, EntriesKeepTheirOrderAndTheFirstOfOneKeyCounts) {
     BinaryPropertyList file{{dictionaryObject({1, 2, 3}, {4, 4, 5}), asciiObject("b"),
                              asciiObject("a"), "\x61\x00\x62"s, "\x09", "\x08"}};
