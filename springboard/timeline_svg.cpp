@@ -71,12 +71,12 @@ public:
         addText(border, "heading", "Waits cut, calls magnified");
         for (const Timeline::Line& line : timeline_.lines) addLine(line);
         const int width = leftOf(timeline_.strip.size()) + labelRoom;
+        const int height = y_ + border;
         std::ostringstream document;
-        document << "<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" width=\"" << width
-                 << "\" height=\"" << y_ + border << "\" viewBox=\"0 0 " << width << ' '
-                 << y_ + border << "\">\n<title>" << escaped(timeline_.origin)
-                 << " on a line</title>\n"
-                 << style << "<rect class=\"back\" width=\"100%\" height=\"100%\"/>\n"
+        document << R"(<svg xmlns="http://www.w3.org/2000/svg" role="img" width=")" << width
+                 << R"(" height=")" << height << R"(" viewBox="0 0 )" << width << ' ' << height
+                 << "\">\n<title>A trace on a line</title>\n"
+                 << style << R"(<rect class="back" width="100%" height="100%"/>)" << '\n'
                  << body_.str() << "</svg>\n";
         return document.str();
     }
