@@ -55,6 +55,13 @@ bool matches(std::vector<Pair>& open, Pair pair) {
     }
 }
 
+/// Goes through the dictionary up to the key, or to its end.
+const Node* walkTo(const Node& dictionary, std::string_view key) {
+    const Node* node = &dictionary + 1;
+    while (node != dictionary.next() && node->text() != key) node = (node + 1)->next();
+    return node;
+}
+
 }  // namespace
 
 Node booleanNode(bool flag) {
@@ -139,9 +146,29 @@ void Tape::append(std::vector<Node>& to, const Node& node) {
     }
 }
 
+const Node* Tape::findKey(const Node& dictionary, std::string_view key) {
+    constexpr std::size_t few = 32;
+    constexpr int often = 16;
+    if (dictionary.count <= few) return walkTo(dictionary, key);
+    const auto place = static_cast<std::size_t>(&dictionary - nodes.data());
+    if (std::exchange(keysOf_, place) != place) {
+        asked_ = 0;
+        keys_.clear();
+    }
+    asked_ = std::min(asked_ + 1, often);
+    if (asked_ < often) return walkTo(dictionary, key);
+    if (keys_.empty()) keys_ = sortedKeys(dictionary);
+    const auto found = std::lower_bound(
+        keys_.begin(), keys_.end(), key,
+        [](const Node* a, std::string_view b) { return compareKeys(a->text(), b) < 0; });
+    const bool isThere = found != keys_.end() && (*found)->text() == key;
+    return isThere ? *found : dictionary.next();
+}
+
 std::size_t Tape::memory() const {
     // The resource takes its memory in ever larger pieces, up to twice of what is needed.
-    return file_.capacity() + nodes.capacity() * sizeof(Node) + 2 * kept_;
+    return file_.capacity() + nodes.capacity() * sizeof(Node) + 2 * kept_ +
+           keys_.capacity() * sizeof(void*);
 }
 
 }  // namespace quillet::standin

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory_resource>
 #include <string>
 #include <string_view>
@@ -103,13 +104,26 @@ public:
     /// tape.
     void append(std::vector<Node>& to, const Node& node);
 
+    /// The key in a dictionary of this tape; the node after the dictionary when it has no such key.
+    /// Goes through all keys, until a large dictionary has been asked often enough to sort them.
+    const Node* findKey(const Node& dictionary, std::string_view key);
+    /// To be called when keys change or move.
+    void forgetKeys() { keysOf_ = noPlace; }
+
     /// What bounds are reckoned from: the bytes of the file and those of what was added to it.
     std::size_t size() const { return size_; }
     /// The memory that the tape takes.
     std::size_t memory() const;
 
 private:
+    static constexpr std::size_t noPlace = std::numeric_limits<std::size_t>::max();
+
     std::string file_;
+    /// The dictionary that was asked for a key last, and how often since another was; its keys in
+    /// their order, once they are sorted.
+    std::size_t keysOf_ = noPlace;
+    int asked_ = 0;
+    std::vector<const Node*> keys_;
     std::pmr::monotonic_buffer_resource texts_;
     std::size_t size_ = 0;
     std::size_t kept_ = 0;

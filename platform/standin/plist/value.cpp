@@ -99,11 +99,7 @@ std::vector<Entry> Dictionary::entries() const {
     return entries;
 }
 
-const Node* Dictionary::keyNode(std::string_view key) const {
-    const Node* node = &head() + 1;
-    while (node != head().next() && node->text() != key) node = (node + 1)->next();
-    return node;
-}
+const Node* Dictionary::keyNode(std::string_view key) const { return tape_->findKey(head(), key); }
 
 std::optional<Value> Dictionary::find(std::string_view key) const {
     const Node* const found = keyNode(key);
@@ -116,6 +112,7 @@ void Dictionary::replace(const Node* begin, const Node* end, const std::vector<N
     auto& all = tape_->nodes;
     const auto first = all.begin() + (begin - all.data());
     const auto kept = std::min<std::ptrdiff_t>(end - begin, std::ssize(nodes));
+    if (end - begin != std::ssize(nodes)) tape_->forgetKeys();
     std::copy_n(nodes.begin(), kept, first);
     if (kept < end - begin) all.erase(first + kept, first + (end - begin));
     all.insert(first + kept, nodes.begin() + kept, nodes.end());

@@ -180,6 +180,55 @@ TEST(Dictionary, FindsValuesByTheExactKey) {
     EXPECT_EQ(Dictionary{}.find("key"), std::nullopt);
 }
 
+/// What `dictionary` finds for "0" to "99" and "none", each asked for twice.
+std::string foundIn(const Dictionary& dictionary) {
+    std::string found;
+    for (int i = 0; i < 200; ++i) {
+        const auto value = dictionary.find(std::to_string(i % 100));
+        found += value ? std::get<std::string>(*value) + ' ' : "- ";
+        EXPECT_EQ(dictionary.find("none"), std::nullopt);
+    }
+    return found;
+}
+
+TEST(Dictionary, FindsWhatIsThereHoweverOftenALargeOneIsAskedAndChanged) {
+    std::vector<Entry> entries;
+    for (int i = 0; i < 100; ++i) entries.push_back({std::to_string(i), "a" + std::to_string(i)});
+    Dictionary dictionary{entries};
+    const Dictionary before = dictionary;
+    const auto expect = [&] {
+        std::string expected;
+        for (const Entry& entry : entries) expected += std::get<std::string>(entry.value) + ' ';
+        EXPECT_EQ(foundIn(dictionary), expected + expected);
+    };
+    expect();
+    dictionary.set("7", entries[7].value = std::string{"of one size"});
+    expect();
+    dictionary.set("8", Array{1, 2, 3});
+    dictionary.set("8", entries[8].value = std::string{"of another size"});
+    expect();
+    dictionary.erase("9");
+    entries[9].value = std::string{"-"};
+    expect();
+    dictionary.set("9", entries[9].value = std::string{"at the end"});
+    expect();
+    EXPECT_EQ(std::get<std::string>(*before.find("9")), "a9");
+}
+
+TEST(Dictionary, ALargeOneWithinALargeOneFindsItsOwn) {
+    std::vector<Entry> inner;
+    for (int i = 0; i < 100; ++i) inner.push_back({std::to_string(i), std::to_string(2 * i)});
+    std::vector<Entry> outer = inner;
+    outer[50].value = Dictionary{inner};
+    const Dictionary dictionary{outer};
+    const auto within = std::get<Dictionary>(*dictionary.find("50"));
+    for (int i = 0; i < 200; ++i) {
+        EXPECT_EQ(within.find("50"), Value{std::string{"100"}});
+        if (i % 40 != 0) continue;
+        EXPECT_EQ(dictionary.find("51"), Value{std::string{"102"}});
+    }
+}
+
 TEST(Dictionary, SettingReplacesInPlaceOrAppends) {
     Dictionary dictionary{{"a", 1}, {"b", 2}};
     dictionary.set("a", "one");
