@@ -28,7 +28,7 @@ bool floorGet(const std::string& in) { return standin::readFile(in).has_value();
 bool floorSet(const std::string& in, const std::string& out) {
     const auto bytes = standin::readFile(in);
     if (!bytes) return false;
-    const std::string copy = *bytes;
+    const std::string copy(bytes->data(), bytes->size());
     return standin::writeFileAtomically(out, copy);
 }
 
