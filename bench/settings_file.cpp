@@ -92,7 +92,7 @@ private:
 
     Value icons() {
         std::vector<Value> list;
-        for (std::uint64_t i = 2 + below(16); i > 0; --i) list.push_back(identifier());
+        for (std::uint64_t i = 2 + below(16); i > 0; --i) list.emplace_back(identifier());
         return Array{list};
     }
 
