@@ -69,7 +69,8 @@ void addTraceOptions(CLI::App& app, Options& options) {
 }
 
 void addOtherOptions(CLI::App& app, Options& options) {
-    app.add_flag("--json", options.json, "print states as JSON objects")->group("What is printed");
+    app.add_flag("--json", options.json, "print JSON objects, errors too")
+        ->group("What is printed");
     add(app, "--color", "WHEN",
         "auto (default), always or never; auto is for terminals, but for dumb ones and when "
         "NO_COLOR is set",
@@ -86,6 +87,7 @@ void addOtherOptions(CLI::App& app, Options& options) {
 void describe(CLI::App& app, Options& options) {
     app.name("springboard")->description(description)->footer(footer)->fallthrough();
     addSwitchCommands(app, options);
+    addLookingCommands(app, options);
     addDeviceCommands(app, options);
     addPrefsCommands(app, options);
     addTraceCommands(app, options);

@@ -68,6 +68,9 @@ void offerFiles(CLI::App& app, const char* name);
 /// state, flip, apply, watch.
 void addSwitchCommands(CLI::App& app, Options& options);
 
+/// status, log.
+void addLookingCommands(CLI::App& app, Options& options);
+
 /// new, model, host, erase.
 void addDeviceCommands(CLI::App& app, Options& options);
 

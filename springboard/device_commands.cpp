@@ -57,11 +57,12 @@ void print(const Options& options, const char* what, const std::string& word) {
 template <class Change>
 void changeFacts(const Options& options, Change change) {
     const DeviceRoot root = phoneOf(options);
-    const Turn turn = takeTurn(root.path());
+    const Turn turn = takeTurn(options, root.path());
     const auto file = root.below(DeviceRoot::factsPath);
     DeviceFacts facts = standin::readFacts(file);
     change(facts);
     standin::writeFacts(file, facts);
+    tellJournal(options, root.path(), "changed");
 }
 
 DeviceFacts factsThere(const Options& options) {
@@ -85,7 +86,8 @@ void makeNew(const Options& options) {
         throw std::runtime_error(phone.path.string() +
                                  ": a device is there; \"springboard erase\" makes it new");
     }
-    tellNewPhone(root.path());
+    tellNewPhone(options, root.path());
+    tellJournal(options, root.path(), "made");
 }
 
 /// What the device is, if it still tells that.
@@ -101,12 +103,13 @@ void erase(const Options& options) {
     const auto root = DeviceRoot::locate(rootOf(options));
     if (!DeviceRoot::isDevice(root))
         throw std::runtime_error(root.string() + ": no device is there");
-    const Turn turn = takeTurn(root);
+    const Turn turn = takeTurn(options, root);
     DeviceFacts facts = factsBefore(root);
     if (options.machine) facts.machine = *options.machine;
     if (options.host) facts.host = *options.host;
     standin::eraseDevice(root, newFiles(), facts);
-    tellNewPhone(root);
+    tellNewPhone(options, root);
+    tellJournal(options, root, "erased");
 }
 
 void addNew(CLI::App& app, Options& options) {

@@ -8,14 +8,18 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <utility>
 
 #include "program/terminal.h"
+#include "springboard/messages.h"
 #include "springboard/phone.h"
 #include "springboard/phone_now.h"
 #include "springboard/signals.h"
+#include "springboard/watch_report.h"
 
 namespace quillet {
 
+using standin::Told;
 using standin::TraceRecord;
 
 namespace {
@@ -37,14 +41,16 @@ std::chrono::system_clock::time_point startOf(const standin::Clock& clock) {
 }  // namespace
 
 HostProcess::HostProcess(const Options& options)
-    : json_{options.json},
+    : options_{options},
       output_{traceIsOutput(options) ? std::cerr : std::cout},
       device_{{.root = rootOf(options),
                .newFiles = newFiles(),
                .machine = options.machine,
                .host = options.host,
-               .clock = options.clock}} {
-    if (device_.isNew) tellNewPhone(device_.root.path());
+               .clock = options.clock,
+               .complain = [this](auto& text) { sayError(options_.json, text); },
+               .author = {"springboard", options.command}}} {
+    if (device_.isNew) tellNewPhone(options, device_.root.path());
     if (options.traces) startTrace(options);
     if (options.explains) {
         story_ = std::make_unique<Story>(&std::cerr, hasColors(options.color, STDERR_FILENO));
@@ -75,11 +81,14 @@ void HostProcess::listen() {
 
 void HostProcess::print(FSSwitchState state) const {
     const char* const word = wordFor(state);
-    output_ << (json_ ? toLine({{"state", word}}) : word) << std::endl;
+    output_ << (options_.json ? toLine({{"state", word}}) : word) << std::endl;
 }
 
 void HostProcess::checkService() const {
     if (device_.notifications.isInPlace()) return;
+    const std::filesystem::path& root = device_.root.path();
+    if (!std::filesystem::exists(root))
+        throw std::runtime_error(root.string() + ": the device is gone");
     throw std::runtime_error("the notification service was removed, replaced or damaged meanwhile");
 }
 
@@ -89,18 +98,23 @@ void HostProcess::checkOutput() const {
         throw std::runtime_error("the trace cannot be written");
 }
 
+void HostProcess::checkDevice() const {
+    if (!device_.complaints.isEmpty()) throw AlreadySaid{};
+}
+
 FSSwitchState HostProcess::state() const { return switch_->stateForSwitchIdentifier(identifier()); }
 
 void HostProcess::report(FSSwitchState state) const {
     checkService();
     print(state);
     checkOutput();
+    checkDevice();
 }
 
 void HostProcess::printState() { report(state()); }
 
 FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
-    const Turn turn = takeTurn(device_.root.path());
+    const Turn turn = takeTurn(options_, device_.root.path());
     checkService();  // The device may have been erased meanwhile.
     // The settings that the switch changes for a while are the user's.
     holdSignals();
@@ -119,8 +133,10 @@ FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
 
 void HostProcess::sendMessage(std::optional<std::int32_t> state) {
     if (state) {
+        device_.journal.add("applying", Told{"state", *state});
         switch_->applyState(static_cast<FSSwitchState>(*state), identifier());
     } else {
+        device_.journal.add("applying");
         switch_->applyActionForSwitchIdentifier(identifier());
     }
     // The switch's own post comes back to it, as in a host whose run loop goes on.
@@ -129,10 +145,11 @@ void HostProcess::sendMessage(std::optional<std::int32_t> state) {
 
 FSSwitchState HostProcess::apply(std::optional<std::int32_t> state) {
     const FSSwitchState now = send(state);
+    device_.journal.add("applied", Told{"state", int{now}});
     report(now);
     if (tellsOutcome_) std::cerr << story_->outcome() + '\n';
     if (trace_ != nullptr) trace_->finish();
-    obeyHeldSignal();
+    obeySignal();
     return now;
 }
 
@@ -147,16 +164,53 @@ void HostProcess::flip(std::optional<std::int32_t> state) {
                              wordFor(now));
 }
 
-void HostProcess::watch() {
+void HostProcess::obeySignal() {
+    const int signal = heldSignal();
+    if (signal != 0) device_.journal.add("ended", Told{"signal", signal});
+    obeyHeldSignal();
+}
+
+void HostProcess::repeat(std::function<bool()> work) {
+    const bool goesOn = heldSignal() == 0 && work();
+    if (!goesOn) return device_.eventLoop.stop();
+    device_.eventLoop.at(device_.clock.now() + standin::EventLoop::betweenLooks,
+                         [this, work = std::move(work)] { repeat(work); });
+}
+
+void HostProcess::watchQuietly() {
     // No exception from here: the bundle's frames, which know none, are between us and watch().
-    device_.framework.setRedraw([this](std::string_view /*identifier*/, FSSwitchState state) {
-        print(state);
-        const bool isTraced = trace_ == nullptr || trace_->isWritten();
-        if (!output_ || !isTraced) device_.eventLoop.stop();
+    device_.framework.setRedraw(
+        [this](std::string_view /*identifier*/, FSSwitchState state) { print(state); });
+    device_.eventLoop.at(0, [this] { repeat([this] { return isHeard(); }); });
+    device_.eventLoop.runUntil(std::numeric_limits<double>::infinity());
+}
+
+bool HostProcess::isHeard() const { return output_ && (trace_ == nullptr || trace_->isWritten()); }
+
+void HostProcess::watchJournal() {
+    WatchReport report{device_.below(standin::DeviceRoot::journalPath), options_.json, output_};
+    report.begin(state());
+    device_.eventLoop.at(0, [&] {
+        repeat([&] {
+            report.tellNew();
+            return isHeard();
+        });
     });
     device_.eventLoop.runUntil(std::numeric_limits<double>::infinity());
+    report.tellNew();
+}
+
+void HostProcess::watch(bool isQuiet) {
+    holdSignals();
+    if (isQuiet) {
+        watchQuietly();
+    } else {
+        watchJournal();
+    }
+    obeySignal();
     checkService();
     checkOutput();
+    checkDevice();
 }
 
 }  // namespace quillet

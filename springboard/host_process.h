@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -28,13 +29,24 @@ public:
     /// The same, and on a terminal a line of what came of it. Throws std::runtime_error when the
     /// switch then has another state than `state`.
     void flip(std::optional<std::int32_t> state);
-    /// Prints the state at each refresh, until the process is interrupted.
-    void watch();
+    /// Prints the state at each refresh, or, where `isQuiet` is false, the state now and what the
+    /// journal then tells of whatever can be seen and felt, until the process is interrupted.
+    /// Throws std::runtime_error when the device goes.
+    void watch(bool isQuiet);
 
 private:
     void startTrace(const Options& options);
     /// Hands what is recorded to the trace and the story, where there are such.
     void listen();
+    void watchQuietly();
+    void watchJournal();
+    /// Whether what is printed and traced can still be written.
+    bool isHeard() const;
+    /// Has `work` done now and then while the event loop runs, which ends when it answers false or
+    /// a signal comes.
+    void repeat(std::function<bool()> work);
+    /// Ends the process by a signal that came, which the journal is told.
+    void obeySignal();
     FSSwitchState state() const;
     /// Answers the state afterwards.
     FSSwitchState send(std::optional<std::int32_t> state);
@@ -44,11 +56,13 @@ private:
     void checkService() const;
     /// Throws std::runtime_error when something that was printed or traced could not be written.
     void checkOutput() const;
-    /// Both.
+    /// Throws AlreadySaid when the device had to complain.
+    void checkDevice() const;
+    /// All of them.
     void report(FSSwitchState state) const;
     NSString identifier() const { return standin::makeString(identifier_); }
 
-    bool json_;
+    const Options options_;
     /// Where states go.
     std::ostream& output_;
     /// Null when nothing is traced.

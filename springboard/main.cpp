@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <new>
@@ -9,6 +11,7 @@
 #include "program/standard_streams.h"
 #include "program/terminal.h"
 #include "program/usage_error.h"
+#include "springboard/messages.h"
 #include "springboard/options.h"
 
 namespace quillet {
@@ -25,7 +28,17 @@ constexpr char outOfMemory[] = "springboard: out of memory\n";
     _exit(EXIT_FAILURE);
 }
 
+/// Whether errors are to be told as JSON, also those of a command line that makes no sense.
+bool wantsJSON(int argc, char** argv) {
+    const auto is = [](const char* word) {
+        return [word](const char* other) { return std::strcmp(word, other) == 0; };
+    };
+    char** const end = std::find_if(argv, argv + argc, is("--"));
+    return std::any_of(argv, end, is("--json"));
+}
+
 int runProgram(int argc, char** argv) {
+    const bool json = wantsJSON(argc, argv);
     try {
         const Options options = parseOptions(argc, argv);
         if (options.run) {
@@ -36,13 +49,16 @@ int runProgram(int argc, char** argv) {
         std::cerr << (isColored ? withBoldHeadings(options.help) : options.help);
         return badUse;
     } catch (const UsageError& error) {
-        std::cerr << "springboard: " << error.what() << "\nTry \"springboard --help\".\n";
+        sayError(json, error.what());
+        if (!json) std::cerr << "Try \"springboard --help\".\n";
         return badUse;
+    } catch (const AlreadySaid&) {
+        return EXIT_FAILURE;
     } catch (const std::bad_alloc&) {
         std::cerr << outOfMemory;
         return EXIT_FAILURE;
     } catch (const std::exception& error) {
-        std::cerr << "springboard: " << error.what() << '\n';
+        sayError(json, error.what());
         return EXIT_FAILURE;
     }
 }

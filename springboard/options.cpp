@@ -30,12 +30,31 @@ fs::path bundleBeside(const fs::path& program) {
                              ": does not tell where this program is; --bundle must name a bundle");
 }
 
+namespace {
+
+/// The commands and words of an arranged line, without the options between them.
+std::string commandIn(const std::vector<std::string>& words) {
+    const auto isOption = [](const std::string& word) { return word.starts_with("--"); };
+    const auto options = std::ranges::find_if(words, isOption);
+    const auto mark = std::ranges::find(words, "--");
+    std::string command;
+    const auto add = [&](const std::string& word) {
+        command += (command.empty() ? "" : " ") + word;
+    };
+    std::for_each(words.begin(), options, add);
+    if (mark != words.end()) std::for_each(mark + 1, words.end(), add);
+    return command;
+}
+
+}  // namespace
+
 Options parseOptions(int argc, char** argv) {
     Options options;
     CLI::App app;
     describe(app, options);
     try {
         std::vector<std::string> words = arrange(app, {argv + std::min(argc, 1), argv + argc});
+        options.command = commandIn(words);
         std::ranges::reverse(words);  // So CLI11 wants them.
         app.parse(words);
     } catch (const CLI::ParseError& error) {

@@ -17,6 +17,8 @@ namespace quillet {
 struct Options {
     /// What the command does. Empty when there is no command.
     std::function<void(const Options&)> run;
+    /// The command and its words, as they were typed but without options.
+    std::string command;
     /// Empty for the default. See rootOf.
     std::filesystem::path root;
     /// Empty for the one beside the program. See bundleOf.

@@ -22,10 +22,16 @@ standin::DeviceFacts factsOf(const Options& options);
 standin::DeviceRoot phoneOf(const Options& options);
 
 /// Says on standard error that a phone was made.
-void tellNewPhone(const std::filesystem::path& path);
+void tellNewPhone(const Options& options, const std::filesystem::path& path);
 
 /// This process's turn with the device, of which it says on standard error if it has to wait.
 /// Throws std::system_error when there is none to be had.
-Turn takeTurn(const std::filesystem::path& root);
+Turn takeTurn(const Options& options, const std::filesystem::path& root);
+
+/// Whether somebody has the turn now.
+bool isTurnTaken(const std::filesystem::path& root);
+
+/// Adds to the journal of the device at `root` what happened to it, as this command's work.
+void tellJournal(const Options& options, const std::filesystem::path& root, const char* event);
 
 }  // namespace quillet

@@ -98,7 +98,7 @@ Dictionary readPreferences(const Options& options) {
 
 void changePreferences(const Options& options, const std::function<bool(Dictionary&)>& change) {
     const DeviceRoot root = phoneOf(options);
-    const Turn turn = takeTurn(root.path());
+    const Turn turn = takeTurn(options, root.path());
     const fs::path file = root.below(preferencesPath);
     Dictionary preferences = readFrom(file);
     if (change(preferences) && !standin::rewriteDictionary(file, preferences)) {

@@ -54,6 +54,8 @@ void holdSignals() {
     }
 }
 
+int heldSignal() { return firstSignal; }
+
 void obeyHeldSignal() {
     if (firstSignal != 0) endBy(firstSignal);
 }

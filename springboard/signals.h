@@ -8,6 +8,9 @@ namespace quillet {
 /// ignoring. See signal(7).
 void holdSignals();
 
+/// The first signal that was held; 0 when none was.
+int heldSignal();
+
 /// Ends the process by the first signal that was held, as if it came now. Returns when none was.
 void obeyHeldSignal();
 

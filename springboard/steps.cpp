@@ -224,7 +224,9 @@ void StepReader::showIndicator(const Record& record) {
 
 void StepReader::mute(const Record& record) {
     const bool isMuted = isSet(argument(record, 0));
-    add(record, isMuted ? "mute" : "unmute", isMuted ? "ringer muted" : "ringer unmuted");
+    const std::string name = isMuted ? "mute" : "unmute";
+    if (!record.isDone) return add(record, name, "the ringer could not be " + name + 'd');
+    add(record, name, isMuted ? "ringer muted" : "ringer unmuted");
 }
 
 void StepReader::setVolume(const Record& record) {

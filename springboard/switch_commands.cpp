@@ -17,6 +17,11 @@ constexpr char applyFooter[] = R"(The number:
   any other    the ringer is unmuted, and no state stored
 )";
 
+constexpr char watchFooter[] =
+    R"(The first line is the state now. Then, from whichever process: the time, the
+state, and what brought it about, or what was seen or felt.
+)";
+
 using State = std::optional<std::int32_t>;
 
 void addExplain(CLI::App& command, Options& options) {
@@ -48,6 +53,16 @@ void addApply(CLI::App& app, Options& options) {
     explain(apply, applyFooter);
 }
 
+void addWatch(CLI::App& app, Options& options) {
+    const auto isQuiet = std::make_shared<bool>(false);
+    CLI::App& watch = addCommand(
+        app, "watch", "tell what is seen and felt of the phone, until interrupted", options,
+        [isQuiet](const Options& chosen) { HostProcess{chosen}.watch(*isQuiet); });
+    addFlag(watch, "-q,--quiet", R"(only "on" or "off", at each refresh of the switch)",
+            [isQuiet] { *isQuiet = true; });
+    explain(watch, watchFooter);
+}
+
 }  // namespace
 
 void addSwitchCommands(CLI::App& app, Options& options) {
@@ -55,9 +70,7 @@ void addSwitchCommands(CLI::App& app, Options& options) {
                [](const Options& chosen) { HostProcess{chosen}.printState(); });
     addFlip(app, options);
     addApply(app, options);
-    addCommand(app, "watch",
-               R"(print "on" or "off" at each refresh of the switch, until interrupted)", options,
-               [](const Options& chosen) { HostProcess{chosen}.watch(); });
+    addWatch(app, options);
 }
 
 }  // namespace quillet

@@ -79,6 +79,7 @@ Json toJSON(const TraceRecord& record) {
     for (const TraceValue& argument : record.arguments) object["args"].push_back(toJSON(argument));
     if (record.result) object["result"] = toJSON(*record.result);
     if (record.depth > 0) object["depth"] = record.depth;
+    if (!record.isDone) object["done"] = false;
     return object;
 }
 
@@ -100,7 +101,8 @@ std::string callText(const TraceRecord& record) {
 }
 
 std::string toText(const TraceRecord& record) {
-    return marginOf(record.time, record.depth) + callText(record);
+    const std::string done = record.isDone ? "" : "  (not done)";
+    return marginOf(record.time, record.depth) + callText(record) + done;
 }
 
 std::string endToText(const TraceRecord& record, double duration) {

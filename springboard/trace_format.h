@@ -23,7 +23,8 @@ enum class TraceFormat {
 Json toJSON(const TraceOrigin& origin);
 
 /// A trace's record as an object: "t" in seconds, to the millionth, "op", "receiver" of a message,
-/// "args", "result" where there is one, and "depth" of a call in another one that lasts.
+/// "args", "result" where there is one, "depth" of a call in another one that lasts, and "done":
+/// false where the device could not do it.
 Json toJSON(const standin::TraceRecord& record);
 
 /// The end of a call that lasted `duration` seconds: as the record itself, without "args" and

@@ -50,4 +50,11 @@ Turn::Turn(const std::filesystem::path& file, const std::function<void()>& befor
     if (!file_.isOpen()) throw std::system_error(errno, std::generic_category(), file.string());
 }
 
+bool Turn::isTaken(const std::filesystem::path& file) {
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    const standin::Descriptor opened{
+        standin::uninterrupted([&] { return open(file.c_str(), flags); })};
+    return opened.isOpen() && !lock(opened.number(), LOCK_SH | LOCK_NB) && errno == EWOULDBLOCK;
+}
+
 }  // namespace quillet

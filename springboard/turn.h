@@ -18,6 +18,9 @@ public:
     /// process waited gives no turn: it waits for the one that is there.
     Turn(const std::filesystem::path& file, const std::function<void()>& beforeWaiting);
 
+    /// Whether somebody has the turn of `file`. Asking takes none.
+    static bool isTaken(const std::filesystem::path& file);
+
 private:
     standin::Descriptor file_;
 };

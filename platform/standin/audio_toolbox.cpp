@@ -6,7 +6,9 @@
 namespace quillet {
 
 void AudioServicesPlaySystemSound(SystemSoundID sound) {
-    standin::Device::current().trace.function("AudioServicesPlaySystemSound", sound);
+    standin::Device& device = standin::Device::current();
+    device.trace.function("AudioServicesPlaySystemSound", sound);
+    device.journal.add("buzz", standin::Told{"sound", sound});
 }
 
 }  // namespace quillet

@@ -8,6 +8,7 @@ namespace quillet {
 using standin::Answer;
 using standin::Device;
 using standin::Instance;
+using standin::Told;
 
 AVSystemController AVSystemController::sharedAVSystemController() {
     Device& device = Device::current();
@@ -33,6 +34,8 @@ BOOL AVSystemController::setVolumeTo(float volume, NSString forCategory) const {
         const bool isSet = device.hardware.setVolume(standin::text(forCategory), volume);
         device.trace.message(controller, "setVolumeTo:forCategory:", volume, forCategory,
                              Answer{isSet});
+        const std::string_view category = standin::text(forCategory);
+        if (isSet) device.journal.add("volume", Told{"category", category}, Told{"volume", volume});
         return isSet;
     });
 }

@@ -9,6 +9,7 @@ namespace quillet {
 using standin::Answer;
 using standin::Device;
 using standin::Instance;
+using standin::Told;
 
 FSSwitchPanel FSSwitchPanel::sharedPanel() {
     Device& device = Device::current();
@@ -20,9 +21,11 @@ FSSwitchPanel FSSwitchPanel::sharedPanel() {
 void FSSwitchPanel::stateDidChangeForSwitchIdentifier(NSString identifier) const {
     standin::send(*this, [&](const Instance& panel) {
         Device& device = Device::current();
+        device.journal.add("refresh-asked");
         const auto refresh =
             device.trace.lastingMessage(panel, "stateDidChangeForSwitchIdentifier:", identifier);
-        device.framework.refresh(standin::text(identifier));
+        const auto state = device.framework.refresh(standin::text(identifier));
+        if (state) device.journal.add("refreshed", Told{"state", int{*state}});
     });
 }
 

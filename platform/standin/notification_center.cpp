@@ -56,7 +56,9 @@ void CFNotificationCenterPostNotification(CFNotificationCenterRef /*center*/, CF
     device.trace.function("CFNotificationCenterPostNotification", centerDescription,
                           standin::text(name), ObjectAt{object}, Pointer{userInfo},
                           deliverImmediately != 0);
-    device.notifications.post(standin::text(name));
+    const std::string_view nameText = standin::text(name);
+    device.journal.add("posted", standin::Told{"name", nameText});
+    device.notifications.post(nameText);
 }
 
 }  // namespace quillet

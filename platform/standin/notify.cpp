@@ -12,6 +12,7 @@ namespace quillet {
 using standin::Answer;
 using standin::Device;
 using standin::Subscription;
+using standin::Told;
 
 namespace {
 
@@ -59,7 +60,11 @@ uint32_t notify_get_state(int token, uint64_t* outState) {
 uint32_t notify_set_state(int token, uint64_t state) {
     Device& device = Device::current();
     const auto found = device.tokens.find(token);
-    if (found != nullptr) found->entry().state.store(state);
+    if (found != nullptr) {
+        found->entry().state.store(state);
+        const std::string_view name = found->entry().view();
+        device.journal.add("word-set", Told{"name", name}, Told{"word", state});
+    }
     device.trace.function("notify_set_state", token, state, Answer{statusOf(found)});
     return statusOf(found);
 }
@@ -67,6 +72,8 @@ uint32_t notify_set_state(int token, uint64_t state) {
 uint32_t notify_post(const char* name) {
     Device& device = Device::current();
     device.trace.function("notify_post", name, Answer{NOTIFY_STATUS_OK});
+    // Before the post: whoever hears of it finds it told.
+    device.journal.add("posted", Told{"name", name});
     device.notifications.post(name);
     return NOTIFY_STATUS_OK;
 }

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "platform/property_list.h"
 
+#include <string_view>
 #include <utility>
 
 #include "platform/standin/device/device.h"
+#include "platform/standin/device/vibration_settings.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/runtime/dictionary_file.h"
 
@@ -15,7 +17,9 @@ using standin::ClassOf;
 using standin::Device;
 using standin::Instance;
 using standin::send;
+using standin::Told;
 using standin::ValueInstance;
+using standin::VibrationSettings;
 
 namespace {
 
@@ -25,11 +29,36 @@ Reference readDictionary(const char* receiver, const char* operation, const NSSt
     Device& device = Device::current();
     auto content = standin::readDictionary(device.below(standin::text(path)));
     constexpr bool isMutable = std::is_same_v<Reference, NSMutableDictionary>;
-    const auto dictionary =
-        adopt<Reference>(content ? new ValueInstance{std::move(*content), isMutable} : nullptr);
+    auto* const instance = content ? new ValueInstance{std::move(*content), isMutable} : nullptr;
+    const auto dictionary = adopt<Reference>(instance);
+    if (instance != nullptr) instance->file = standin::text(path);
     device.trace.message(receiver, operation, path, Answer{dictionary});
     return dictionary;
 }
+
+/// What a write does to SpringBoard's vibration settings, for the journal.
+class VibrationChange {
+public:
+    /// Before the write to the file at `path`.
+    VibrationChange(Device& device, std::string_view path)
+        : device_{device}, isTold_{device.journal.isKept() && path == VibrationSettings::path} {
+        if (isTold_) before_ = VibrationSettings::in(device.below(path));
+    }
+
+    /// After it.
+    void tell(const standin::Value& written) const {
+        if (!isTold_) return;
+        const auto now = VibrationSettings::in(std::get<standin::Dictionary>(written));
+        device_.journal.add("vibration-settings", Told{"ring", now.ring},
+                            Told{"silent", now.silent}, Told{"ring-before", before_.ring},
+                            Told{"silent-before", before_.silent});
+    }
+
+private:
+    Device& device_;
+    bool isTold_;
+    VibrationSettings before_;
+};
 
 void set(const NSMutableDictionary& dictionary, const char* operation, const Object& value,
          const NSString& key) {
@@ -69,7 +98,12 @@ NSDictionary NSDictionary::initWithContentsOfFile(NSString path) {
 Object NSDictionary::objectForKey(NSString key) const {
     return send<ValueInstance>(*this, [&](const ValueInstance& instance) -> Object {
         const auto value = std::get<standin::Dictionary>(instance.value).find(standin::text(key));
-        const auto found = adopt<Object>(value ? new ValueInstance{*value} : nullptr);
+        auto* const entry = value ? new ValueInstance{*value} : nullptr;
+        const auto found = adopt<Object>(entry);
+        if (entry != nullptr) {
+            entry->file = instance.file;
+            entry->key = standin::text(key);
+        }
         Device::current().trace.message(ClassOf{instance}, "objectForKey:", key, Answer{found});
         return found;
     });
@@ -103,8 +137,10 @@ void NSMutableDictionary::setObject(Object value, NSString forKey) const {
 BOOL NSMutableDictionary::writeToFile(NSString path, BOOL atomically) const {
     return send<ValueInstance>(*this, [&](const ValueInstance& instance) -> BOOL {
         Device& device = Device::current();
+        const VibrationChange change{device, standin::text(path)};
         const bool written =
             standin::writeDictionary(device.below(standin::text(path)), instance.value);
+        if (written) change.tell(instance.value);
         device.trace.message(ClassOf{instance}, "writeToFile:atomically:", path, atomically != NO,
                              Answer{written});
         return written;

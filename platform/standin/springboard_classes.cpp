@@ -11,10 +11,12 @@ namespace quillet {
 
 using standin::Answer;
 using standin::Device;
+using standin::Done;
 using standin::HostInstance;
 using standin::HostVariant;
 using standin::Instance;
 using standin::send;
+using standin::Told;
 using standin::unrecognizedSelector;
 
 namespace {
@@ -72,7 +74,9 @@ void SBRingerHUDController::activate(int state) const {
             if (!receiver.isClass()) return;
             unrecognizedSelector(receiver, activateSelector);
         }
-        Device::current().trace.message(receiver, activateSelector, state);
+        Device& device = Device::current();
+        device.trace.message(receiver, activateSelector, state);
+        device.journal.add("indicator", Told{"state", state});
     });
 }
 
@@ -97,8 +101,10 @@ void SBMediaController::setRingerMuted(BOOL muted) const {
             unrecognizedSelector(receiver, muteSelector);
         }
         Device& device = Device::current();
-        device.trace.message(receiver, muteSelector, muted != NO);
-        device.hardware.setRingerMuted(muted != NO);
+        const bool isMuted = muted != NO;
+        const bool isDone = device.hardware.setRingerMuted(isMuted);
+        device.trace.message(receiver, muteSelector, isMuted, Done{isDone});
+        if (isDone) device.journal.add("muted", Told{"muted", isMuted});
     });
 }
 

@@ -43,14 +43,14 @@ TEST_F(Streams, AReaderWhoGoesAwayAmidAFlipIsAFailureAfterIt) {
 }
 
 TEST_F(Streams, StandardOutputThatCannotBeWrittenIsAFailure) {
-    const std::string message = "springboard: standard output cannot be written\n";
+    const std::string message = "standard output cannot be written";
     for (const Words& words : {Words{"state"}, Words{"flip"}, Words{"apply", "1"}, Words{"--help"},
                                Words{"--version"}, Words{"--json", "state"}}) {
         Words all = {"--root", root()};
         all.insert(all.end(), words.begin(), words.end());
         const Outcome outcome = runBare({.words = all, .output = "/dev/full", .errors = {}});
         EXPECT_EQ(outcome.status, 1) << testing::PrintToString(words);
-        EXPECT_EQ(outcome.errors, message) << testing::PrintToString(words);
+        EXPECT_THAT(outcome.errors, HasSubstr(message)) << testing::PrintToString(words);
     }
 }
 

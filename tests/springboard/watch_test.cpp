@@ -25,7 +25,7 @@ protected:
 
     /// Starts watching; it watches as soon as its observer is added, which the trace tells.
     void startWatching(const Words& more = {}, const fs::path& output = {}) {
-        Words words = {"--root", root(), "watch", "--trace=" + trace().string()};
+        Words words = {"--root", root(), "watch", "--quiet", "--trace=" + trace().string()};
         words.insert(words.end(), more.begin(), more.end());
         process_ = start(
             QUILLET_SPRINGBOARD,

@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/device/device.h"
 
+#include "platform/standin/device/process_birth.h"
+
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -21,20 +25,45 @@ Device::Device(const DeviceOptions& options, const FoundPhone& phone)
     : clock{options.clock},
       root{phone.path},
       isNew{phone.isNew},
+      complaints{options.complain},
+      journal{options.author, below(DeviceRoot::journalPath), complaints},
       trace{clock},
-      hardware{below(DeviceRoot::hardwarePath)},
+      hardware{below(DeviceRoot::hardwarePath), &complaints},
       notifications{below(DeviceRoot::notificationsPath)},
       tokens{notifications},
       observers{notifications},
       eventLoop{clock, notifications, observers},
       framework{options.openModule, observers} {
-    const DeviceFacts facts = readFacts(below(DeviceRoot::factsPath));
-    machine = options.machine.value_or(facts.machine);
-    host = options.host.value_or(facts.host);
+    beLike(options);
+    mend();
+    if (journal.isKept()) tellStart();
     currentDevice = this;
 }
 
-Device::~Device() { currentDevice = nullptr; }
+Device::~Device() {
+    journal.add("ended");
+    currentDevice = nullptr;
+}
+
+void Device::beLike(const DeviceOptions& options) {
+    const DeviceFacts facts = readFacts(below(DeviceRoot::factsPath));
+    machine = options.machine.value_or(facts.machine);
+    host = options.host.value_or(facts.host);
+}
+
+void Device::tellStart() {
+    const std::string hostText = textOf(host);
+    const std::string birth = birthOf(getpid());
+    if (isNew) journal.add("made");
+    journal.add("started", Told{"command", journal.author().command}, Told{"model", machine},
+                Told{"host", hostText}, Told{"birth", birth});
+}
+
+/// Makes again what the device has lost, when what it was can be told from the rest.
+void Device::mend() {
+    const NotificationTable::Entry* const word = notifications.find(DeviceRoot::ringerStateName);
+    hardware.makeAgain(word != nullptr && word->state.load() != 1);
+}
 
 Device& Device::current() {
     if (currentDevice == nullptr) {

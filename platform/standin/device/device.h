@@ -8,10 +8,12 @@
 #include <vector>
 
 #include "platform/standin/device/clock.h"
+#include "platform/standin/device/complaints.h"
 #include "platform/standin/device/device_facts.h"
 #include "platform/standin/device/event_loop.h"
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/host_variant.h"
+#include "platform/standin/device/journal.h"
 #include "platform/standin/device/new_phone.h"
 #include "platform/standin/device/root.h"
 #include "platform/standin/device/storage.h"
@@ -36,6 +38,11 @@ struct DeviceOptions {
     std::optional<HostVariant> host = {};
     Clock::Kind clock = Clock::Kind::real;
     OpenModule openModule = openSharedObject;
+    /// Hears why files of the device's own could not be read or written. See Complaints.
+    Complaints::Sink complain = {};
+    /// By whom what happens to the device through this process is told in its journal; nobody by
+    /// default.
+    Journal::Author author = {};
 };
 
 /// The device as one process sees it, with all that the process owns. There is one at a time.
@@ -67,6 +74,8 @@ public:
     /// As uname tells it.
     std::string machine;
     HostVariant host;
+    Complaints complaints;
+    Journal journal;
     Trace trace;
     Hardware hardware;
     NotificationTable notifications;
@@ -82,6 +91,9 @@ public:
 
 private:
     Device(const DeviceOptions& options, const FoundPhone& phone);
+    void beLike(const DeviceOptions& options);
+    void mend();
+    void tellStart();
 };
 
 }  // namespace quillet::standin

@@ -7,6 +7,7 @@
 
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/root.h"
+#include "platform/standin/device/vibration_settings.h"
 #include "platform/standin/files/draft.h"
 #include "platform/standin/files/draft_folder.h"
 #include "platform/standin/files/file.h"
@@ -19,9 +20,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const NewFile springBoardPreferences = {
-    "/var/mobile/Library/Preferences/com.apple.springboard.plist",
-    {{"SBLockScreenClock", true}, {"ring-vibrate", true}, {"silent-vibrate", true}}};
+const NewFile springBoardPreferences = {VibrationSettings::path,
+                                        {{"SBLockScreenClock", true},
+                                         {VibrationSettings::ringKey, true},
+                                         {VibrationSettings::silentKey, true}}};
 
 /// Where a file of the device lies, in a folder that is there.
 fs::path place(const fs::path& root, const std::string& devicePath) {
@@ -48,7 +50,7 @@ void fill(const fs::path& root, const std::vector<NewFile>& files, const DeviceF
     write(place(root, DeviceRoot::graphicsServicesPath), "");
 
     NotificationTable::create(place(root, DeviceRoot::notificationsPath),
-                              {{"com.apple.springboard.ringerstate", 1}});
+                              {{DeviceRoot::ringerStateName, 1}});
 }
 
 [[noreturn]] void refusePlace(const fs::path& path, const std::string& reason) {

@@ -10,10 +10,13 @@ namespace quillet::standin {
 class DeviceRoot {
 public:
     /// Where the stand-in keeps its own files: the notification service's table, what Hardware
-    /// keeps, and what the device is. Paths of the device.
+    /// keeps, what the device is, and the journal. Paths of the device.
     static constexpr char notificationsPath[] = "/var/run/notifications";
     static constexpr char hardwarePath[] = "/var/db/hardware.plist";
     static constexpr char factsPath[] = "/var/db/device.plist";
+    static constexpr char journalPath[] = "/var/db/journal";
+    /// The name of the notification service whose word is 0 while the ringer is muted.
+    static constexpr char ringerStateName[] = "com.apple.springboard.ringerstate";
     /// The library that the device has while the file is there.
     static constexpr char graphicsServicesPath[] =
         "/System/Library/PrivateFrameworks/GraphicsServices.framework/GraphicsServices";

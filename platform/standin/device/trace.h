@@ -39,6 +39,8 @@ struct TraceRecord {
     int depth = 0;
     /// Whether others may be made in it, and its end will be told.
     bool lasts = false;
+    /// False when the device could not do what it was asked for.
+    bool isDone = true;
 };
 
 TraceValue toTrace(const Object& object);
@@ -100,6 +102,11 @@ struct Answer {
 
 template <class Result>
 Answer(const Result&) -> Answer<Result>;
+
+/// Whether an operation without an answer was done, to stand behind its arguments.
+struct Done {
+    bool isDone;
+};
 
 /// Hands every operation to a sink as it is called. While there is none that costs one comparison:
 /// what its parts are is looked at for a sink only.
@@ -167,6 +174,7 @@ private:
     static void add(TraceRecord& record, const auto& argument) {
         record.arguments.push_back(toTrace(argument));
     }
+    static void add(TraceRecord& record, const Done& done) { record.isDone = done.isDone; }
     template <class Result>
     static void add(TraceRecord& record, const Answer<Result>& answer) {
         record.result = toTrace(answer.result);

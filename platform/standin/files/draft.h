@@ -36,9 +36,9 @@ public:
     /// that fails: `place` then is as it was.
     bool publish(const std::filesystem::path& place);
 
-    /// Puts it at `place`, in the same folder, and what is there in its own place, in one step; that
-    /// goes with the draft. What a folder holds is for the caller to flush. False, and errno says
-    /// why, when that fails: both then are as they were.
+    /// Puts it at `place`, in the same folder, and what is there in its own place, in one step;
+    /// that goes with the draft. What a folder holds is for the caller to flush. False, and errno
+    /// says why, when that fails: both then are as they were.
     bool exchange(const std::filesystem::path& place);
 
     /// Removes the drafts in `folder` whose makers have died.

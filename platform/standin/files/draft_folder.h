@@ -21,8 +21,8 @@ public:
     /// there: it stays, and the draft goes. Throws std::system_error.
     bool publish();
 
-    /// Puts the folder in the place of the one that is there, in one step, when all that it holds is
-    /// on the disk; what was there goes with the draft. Throws std::system_error.
+    /// Puts the folder in the place of the one that is there, in one step, when all that it holds
+    /// is on the disk; what was there goes with the draft. Throws std::system_error.
     void exchange();
 
 private:

@@ -92,6 +92,14 @@ std::optional<std::string> readFile(const fs::path& path, std::size_t maxSize) {
     return std::nullopt;
 }
 
+std::string faultOf(const fs::path& path, const std::string& otherwise) {
+    const Descriptor file{
+        uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC); })};
+    if (!file.isOpen()) return std::generic_category().message(errno);
+    const bool isFile = sizeOf(file.number(), std::numeric_limits<std::size_t>::max()).has_value();
+    return isFile ? otherwise : "not a file";
+}
+
 bool writeFileAtomically(const fs::path& path, std::string_view bytes) {
     constexpr mode_t newFile = 0666;
     constexpr mode_t forNobodyElse = 0600;

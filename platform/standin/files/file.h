@@ -19,6 +19,10 @@ bool mayExist(const std::filesystem::path& path);
 std::optional<std::string> readFile(const std::filesystem::path& path,
                                     std::size_t maxSize = std::numeric_limits<std::size_t>::max());
 
+/// Why the file at `path` cannot be read, in the system's words, or that it is no file; `otherwise`
+/// when it can be.
+std::string faultOf(const std::filesystem::path& path, const std::string& otherwise);
+
 /// Puts `bytes` in place of the regular file at `path`, by way of a draft beside it. A link at
 /// `path` is followed and stays. A file that was there hands on its owner, group and mode, as far
 /// as this process may give them; a new one has what the process's umask leaves of 0666. The bytes

@@ -29,8 +29,10 @@ void Instance::release() {
 }
 
 void unrecognizedSelector(const Instance& receiver, const char* selector) {
+    const std::string origin = receiver.origin();
     std::fflush(stdout);
-    std::fprintf(stderr, "%s: %s: unrecognized selector \"%s\"\n", program_invocation_short_name,
+    std::fprintf(stderr, "%s: %s%s%s: unrecognized selector \"%s\"\n",
+                 program_invocation_short_name, origin.c_str(), origin.empty() ? "" : ": ",
                  receiver.description().c_str(), selector);
     std::_Exit(EXIT_FAILURE);
 }

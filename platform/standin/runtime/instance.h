@@ -26,6 +26,8 @@ public:
     /// instance of it.
     virtual std::string description() const;
     virtual bool respondsToSelector(std::string_view /*selector*/) const { return false; }
+    /// Where a value comes from and of which kind it is, in words for people; empty when unknown.
+    virtual std::string origin() const { return {}; }
     /// Null for what is no property-list value. Owned by the instance.
     virtual const Value* propertyListValue() const { return nullptr; }
 

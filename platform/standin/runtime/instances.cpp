@@ -19,7 +19,23 @@ struct ClassName {
     const char* operator()(auto /*number*/) const { return "NSNumber"; }
 };
 
+/// The kind of a property-list value.
+struct KindName {
+    const char* operator()(const Array&) const { return "an array"; }
+    const char* operator()(const Data&) const { return "data"; }
+    const char* operator()(const Date&) const { return "a date"; }
+    const char* operator()(const Dictionary&) const { return "a dictionary"; }
+    const char* operator()(UID) const { return "an identifier"; }
+    const char* operator()(const std::string&) const { return "a string"; }
+    const char* operator()(auto /*number*/) const { return "a number"; }
+};
+
 }  // namespace
+
+std::string ValueInstance::origin() const {
+    if (file.empty()) return {};
+    return file + ": \"" + key + "\" is " + std::visit(KindName{}, value);
+}
 
 std::string ValueInstance::className() const {
     return mutableDictionary_ ? "NSMutableDictionary" : std::visit(ClassName{}, value);

@@ -24,8 +24,12 @@ public:
     /// Of a dictionary with the number of its entries.
     std::string description() const override;
     const Value* propertyListValue() const override { return &value; }
+    std::string origin() const override;
 
     Value value;
+    /// The file of the device that it comes from, and the key there; empty when unknown.
+    std::string file = {};
+    std::string key = {};
 
 private:
     bool mutableDictionary_;

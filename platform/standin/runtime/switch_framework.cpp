@@ -70,11 +70,12 @@ BundleFolder* SwitchFramework::bundle(std::string_view identifier) const {
     return found == nullptr ? nullptr : found->bundle.get();
 }
 
-void SwitchFramework::refresh(std::string_view identifier) const {
+std::optional<FSSwitchState> SwitchFramework::refresh(std::string_view identifier) const {
     FSSwitchDataSource* const source = dataSource(identifier);
-    if (source == nullptr) return;
+    if (source == nullptr) return std::nullopt;
     const FSSwitchState state = source->stateForSwitchIdentifier(makeString(identifier));
     if (redraw_) redraw_(identifier, state);
+    return state;
 }
 
 ModuleClass& SwitchFramework::add(const ClassDescription& description) {

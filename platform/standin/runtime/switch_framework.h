@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,8 +42,9 @@ public:
     /// Has `redraw` called with every state that the panel asks a switch for on its own account.
     void setRedraw(Redraw redraw) { redraw_ = std::move(redraw); }
 
-    /// What the panel does when a switch has changed: asks it for its state and draws it.
-    void refresh(std::string_view identifier) const;
+    /// What the panel does when a switch has changed: asks it for its state, which is the answer,
+    /// and draws it. Nothing when there is no such switch.
+    std::optional<FSSwitchState> refresh(std::string_view identifier) const;
 
     /// For the runtime: a class of the module that is being loaded, or of the host when none is.
     ModuleClass& add(const ClassDescription& description);

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+#include "springboard/status.h"
+
+#include <string_view>
+
+#include "platform/standin/device/complaints.h"
+#include "platform/standin/device/hardware.h"
+#include "platform/standin/device/root.h"
+#include "platform/standin/notifications/notification_table.h"
+#include "platform/standin/plist/readings.h"
+#include "platform/standin/runtime/dictionary_file.h"
+#include "springboard/messages.h"
+#include "springboard/phone.h"
+#include "springboard/processes.h"
+#include "springboard/status_report.h"
+
+namespace quillet {
+
+using standin::DeviceRoot;
+using standin::JournalEntry;
+
+namespace {
+
+Choices choicesIn(const standin::Dictionary& file) {
+    const auto kept = file.find("ringtone-volume");
+    return {standin::flagWord(file, "ios-vibrate-pattern"),
+            standin::flagWord(file, "vibrate-when-off"), standin::flagWord(file, "vibrate-when-on"),
+            kept ? standin::floatValue(*kept) : std::nullopt};
+}
+
+Choices choicesOf(const DeviceRoot& root) {
+    const auto file = standin::readDictionary(root.below(newFiles().front().path));
+    return file ? choicesIn(*file) : Choices{};
+}
+
+/// Those who have the device open for longer than a flip takes.
+std::vector<User> watchersOf(const DeviceRoot& root, const Processes& processes) {
+    std::vector<User> watchers;
+    for (const auto& [process, name] : usersOf(root.below(DeviceRoot::notificationsPath))) {
+        const std::string command = processes.commandOf(process);
+        if (!command.empty() && !command.starts_with("watch")) continue;
+        watchers.push_back({process, name, command});
+    }
+    return watchers;
+}
+
+void readHardware(Status& status, const DeviceRoot& root, standin::Complaints& complaints) {
+    const standin::Hardware hardware{root.below(DeviceRoot::hardwarePath), &complaints};
+    status.volume = hardware.volume("Ringtone");
+    const bool isMuted = hardware.isRingerMuted();
+    if (complaints.isEmpty()) status.isMuted = isMuted;
+}
+
+void readJournal(Status& status, const DeviceRoot& root) {
+    const auto entries = standin::JournalReader{root.below(DeviceRoot::journalPath)}.read();
+    Processes processes;
+    for (const JournalEntry& entry : entries) processes.take(entry);
+    status.watchers = watchersOf(root, processes);
+    const std::string_view off = "false";
+    const bool areOff = status.vibration.ring == off && status.vibration.silent == off;
+    if (areOff && !status.isFlipping) status.leftOff = leftOffIn(entries);
+}
+
+}  // namespace
+
+std::optional<LeftOff> leftOffIn(const std::vector<JournalEntry>& entries) {
+    std::optional<LeftOff> leftOff;
+    for (const JournalEntry& entry : entries) {
+        if (entry.event == "erased") leftOff.reset();
+        if (entry.event != "vibration-settings") continue;
+        const auto areOff = [&](const char* ring, const char* silent) {
+            return entry.find(ring) == "false" && entry.find(silent) == "false";
+        };
+        if (!areOff("ring", "silent")) {
+            leftOff.reset();
+        } else if (!areOff("ring-before", "silent-before")) {
+            leftOff = {std::string{entry.find("ring-before")},
+                       std::string{entry.find("silent-before")}, entry};
+        }
+    }
+    return leftOff;
+}
+
+std::string effectOf(const Choices& choices, bool isIPod) {
+    const auto is = [](const char* word, std::string_view what) { return word == what; };
+    const std::string pause = isIPod ? ", 0.25 s more when unmuted" : "";
+    if (is(choices.pattern, "odd")) return "a flip ends SpringBoard: the first is no flag";
+    if (!is(choices.pattern, "false")) {
+        return "vibration is left to the system; a flip takes no time" + pause;
+    }
+    if (is(choices.whenOff, "odd") || is(choices.whenOn, "odd")) {
+        return "a flip ends SpringBoard: one is no flag";
+    }
+    const bool whenOff = !is(choices.whenOff, "false") || is(choices.whenOn, "absent");
+    const bool whenOn = is(choices.whenOn, "true");
+    const std::string buzz = whenOff && whenOn ? "buzzes when muted and when unmuted"
+                             : whenOff         ? "buzzes when muted, not when unmuted"
+                             : whenOn          ? "buzzes when unmuted, not when muted"
+                                               : "never buzzes";
+    return buzz + "; a flip takes 1.0 s" + pause;
+}
+
+void printStatus(const Options& options) {
+    standin::Complaints complaints{[&](const std::string& text) { sayError(options.json, text); }};
+    const DeviceRoot root = phoneOf(options);
+    Status status;
+    status.root = root.path();
+    status.facts = standin::readFacts(root.below(DeviceRoot::factsPath));
+    standin::NotificationTable table{root.below(DeviceRoot::notificationsPath)};
+    const auto* const word = table.find(DeviceRoot::ringerStateName);
+    if (word != nullptr) status.word = word->state.load();
+    readHardware(status, root, complaints);
+    status.choices = choicesOf(root);
+    // Asked before the settings are: a flip that ends in between has put them back.
+    status.isFlipping = isTurnTaken(root.path());
+    status.vibration = standin::VibrationSettings::in(root.below(standin::VibrationSettings::path));
+    readJournal(status, root);
+    report(status, options.json);
+    if (!complaints.isEmpty()) throw AlreadySaid{};
+}
+
+}  // namespace quillet
