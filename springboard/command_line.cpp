@@ -20,11 +20,12 @@ constexpr char footer[] =
   springboard --root phone flip off       mute the phone that lives in "phone"
   springboard --root phone --trace flip   see what the switch does
   springboard --root phone watch          follow the switch while others flip it
+  springboard plist print a.plist         see what a property list holds
   springboard help apply                  what the numbers mean
 
 Exit status:
-  0; 1 when the device or the bundle cannot be used or a flip did not come
-  about; 2 for a bad command line
+  0; 1 when the device, the bundle or a property list cannot be used or a
+  flip did not come about; 2 for a bad command line
 )";
 
 void addDeviceOptions(CLI::App& app, Options& options) {
@@ -91,6 +92,7 @@ void describe(CLI::App& app, Options& options) {
     addDeviceCommands(app, options);
     addPrefsCommands(app, options);
     addTraceCommands(app, options);
+    addPlistCommands(app, options);
     addOwnCommands(app, options);
     addDeviceOptions(app, options);
     addTraceOptions(app, options);

@@ -80,6 +80,9 @@ void addPrefsCommands(CLI::App& app, Options& options);
 /// trace diff, timeline.
 void addTraceCommands(CLI::App& app, Options& options);
 
+/// plist.
+void addPlistCommands(CLI::App& app, Options& options);
+
 /// help, version, completion.
 void addOwnCommands(CLI::App& app, Options& options);
 

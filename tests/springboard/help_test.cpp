@@ -13,9 +13,9 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-const Words commands = {"state",    "flip",  "apply",   "watch",     "status", "log",
-                        "new",      "model", "host",    "erase",     "prefs",  "trace",
-                        "timeline", "help",  "version", "completion"};
+const Words commands = {"state",    "flip",  "apply", "watch",   "status",    "log",
+                        "new",      "model", "host",  "erase",   "prefs",     "trace",
+                        "timeline", "plist", "help",  "version", "completion"};
 
 class Help : public SpringBoard {
 protected:
