@@ -69,6 +69,8 @@ TEST_F(MappedFile, ThatIsCutOffBecomesZerosAndItsMappingSaysSo) {
     EXPECT_EQ(bytesOf(mapping)[0], 0);
     EXPECT_EQ(bytesOf(mapping)[1], 7);
     EXPECT_FALSE(other.isLost()) << "its own pages were not touched";
+    bytesOf(other)[0] = 7;
+    EXPECT_TRUE(other.isLost());
 }
 
 TEST_F(MappedFile, FaultsElsewhereEndTheProcess) {
