@@ -20,9 +20,6 @@ namespace {
 /// Without waiting: what lies there may be a FIFO.
 constexpr int journalFlags = O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
 
-/// Of a file that somebody has been putting away for so long that he may never go on.
-constexpr std::size_t utmost = 4 * Journal::bound;
-
 std::int64_t microsecondsNow() {
     const auto time = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::microseconds>(time).count();

@@ -33,12 +33,15 @@ Told(const char*, const Value&) -> Told<Value>;
 ///
 /// A line is written by one call, behind all others. A file that has grown to `bound` gets another
 /// name, in place of the one that had it, and a new one begins: what is kept is at least the last
-/// `bound` bytes, and not much more than twice as many. Nobody waits for anybody. A process that
+/// `bound` bytes. Nobody waits for anybody: the file grows on, to `utmost`, while the process that
+/// puts it away stands still. A process that
 /// dies may leave part of a line, which no reader takes for one. A line that went to a file which
 /// somebody else was putting away is written again, under the same number.
 class Journal {
 public:
     static constexpr std::size_t bound = std::size_t{256} << 10U;
+    /// Whoever has been putting a file of that size away may never go on; others do it then.
+    static constexpr std::size_t utmost = 4 * bound;
 
     /// Whose journal it is.
     struct Author {

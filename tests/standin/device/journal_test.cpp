@@ -129,7 +129,7 @@ TEST_F(JournalFile, OfSeveralProcessesHasEachLineOnceAndStaysSmall) {
     }
     for (int i = 0; i < writers; ++i) gate.open();
     for (const auto& child : children) EXPECT_EQ(child->wait(), 0);
-    constexpr auto most = Journal::bound + std::size_t{writers} * 2048;
+    constexpr auto most = Journal::utmost + std::size_t{writers} * 2048;
     EXPECT_LE(fs::file_size(path()), most);
     EXPECT_LE(fs::file_size(Journal::older(path())), most);
     expectNoGaps();
