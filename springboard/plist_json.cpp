@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/plist_json.h"
 
-#include <array>
+#include <cmath>
 #include <nlohmann/json.hpp>
-#include <string>
 #include <variant>
 
-#include "platform/standin/plist/base64.h"
-#include "platform/standin/plist/calendar.h"
+#include "springboard/plist_text.h"
 
 namespace quillet {
 
@@ -15,14 +13,10 @@ namespace {
 
 struct PlistToJSON {
     Json operator()(const auto& plain) const { return plain; }
-    Json operator()(const standin::Data& data) const {
-        std::string text(standin::base64Size(data.bytes.size()), '=');
-        standin::encodeBase64(data.bytes, text.data());
-        return text;
-    }
-    Json operator()(const standin::Date& date) const {
-        std::array<char, standin::maxDateSize> text;
-        return std::string(text.data(), standin::formatDate(text.data(), date));
+    Json operator()(const standin::Data& data) const { return inWords(data); }
+    Json operator()(const standin::Date& date) const { return inWords(date); }
+    Json operator()(double real) const {
+        return std::isfinite(real) ? Json(real) : Json(inWords(real));
     }
     Json operator()(const standin::UID& uid) const { return {{"CF$UID", uid.number}}; }
     Json operator()(const standin::Array& array) const {

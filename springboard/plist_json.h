@@ -6,8 +6,7 @@
 
 namespace quillet {
 
-/// A property list's value as JSON. Data is a string in base64, a date one as the XML form has it,
-/// and an archive's identifier {"CF$UID": number}.
+/// A property list's value as JSON, with what JSON lacks as inJSON has it.
 Json toJSON(const standin::Value& value);
 
 }  // namespace quillet
