@@ -47,15 +47,20 @@ bool isReserve(const void* memory) {
     return !before(memory, reserve) && before(memory, reserve + reserveSize);
 }
 
-/// Throws std::bad_alloc when there is no more.
-void* take(std::size_t size, std::size_t alignment) {
+/// Null when there is no more.
+void* find(std::size_t size, std::size_t alignment) {
     // Each block has an address of its own, even one of no bytes.
     const std::size_t bytes = roundUp(std::max<std::size_t>(size, 1), alignment);
     // NOLINTBEGIN(cppcoreguidelines-no-malloc): there is nothing below operator new but this.
     void* memory =
         alignment > defaultAlignment ? std::aligned_alloc(alignment, bytes) : std::malloc(bytes);
     // NOLINTEND(cppcoreguidelines-no-malloc)
-    if (memory == nullptr) memory = takeReserve(bytes, alignment);
+    return memory == nullptr ? takeReserve(bytes, alignment) : memory;
+}
+
+/// Throws std::bad_alloc when there is no more.
+void* take(std::size_t size, std::size_t alignment) {
+    void* const memory = find(size, alignment);
     if (memory == nullptr) throw std::bad_alloc{};
     return memory;
 }
@@ -69,9 +74,12 @@ void giveBack(void* memory) {
 
 }  // namespace quillet
 
-// The arrays' forms, and those without exceptions, come down to these. Memory resources ask for an
-// alignment whatever it is.
+// The arrays' forms come down to these; so would the one without exceptions, but that a sanitizer
+// has one of its own. Memory resources ask for an alignment whatever it is.
 void* operator new(std::size_t size) { return quillet::take(size, quillet::defaultAlignment); }
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return quillet::find(size, quillet::defaultAlignment);
+}
 void* operator new(std::size_t size, std::align_val_t alignment) {
     return quillet::take(size, static_cast<std::size_t>(alignment));
 }
