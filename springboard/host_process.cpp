@@ -105,29 +105,31 @@ void HostProcess::checkDevice() const {
 FSSwitchState HostProcess::state() const { return switch_->stateForSwitchIdentifier(identifier()); }
 
 void HostProcess::report(FSSwitchState state) const {
-    checkService();
     print(state);
     checkOutput();
     checkDevice();
 }
 
-void HostProcess::printState() { report(state()); }
+void HostProcess::printState() {
+    const FSSwitchState now = state();
+    checkService();
+    report(now);
+}
 
 FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
     const Turn turn = takeTurn(options_, device_.root.path());
     checkService();  // The device may have been erased meanwhile.
     // The settings that the switch changes for a while are the user's.
     holdSignals();
-    if (story_ == nullptr) {
-        sendMessage(state);
-        return this->state();
+    if (story_ != nullptr) {
+        listen();
+        story_->open(device_.clock.now(), device_.machine, lookAt(device_));
     }
-    listen();
-    story_->open(device_.clock.now(), device_.machine, lookAt(device_));
     sendMessage(state);
     const double end = device_.clock.now();
     const FSSwitchState now = this->state();
-    story_->close(end, wordFor(now), lookAt(device_));
+    if (story_ != nullptr) story_->close(end, wordFor(now), lookAt(device_));
+    checkService();
     return now;
 }
 

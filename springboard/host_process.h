@@ -58,7 +58,7 @@ private:
     void checkOutput() const;
     /// Throws AlreadySaid when the device had to complain.
     void checkDevice() const;
-    /// All of them.
+    /// Prints the state, with both.
     void report(FSSwitchState state) const;
     NSString identifier() const { return standin::makeString(identifier_); }
 
