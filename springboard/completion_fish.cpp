@@ -61,7 +61,7 @@ private:
                 addLine(condition, offer);
         }
         for (const OfferedCommand& inner : command.commands) {
-            addLine(before + "not " + seen + spaced(names),
+            addLine(std::string{before}.append("not ").append(seen).append(spaced(names)),
                     " -a " + inner.name + " -d " + fishQuoted(inner.meaning));
             add(inner, before + seen + inner.name);
         }

@@ -123,7 +123,8 @@ std::string toWords(const JournalEntry& entry) {
     const auto found = phrases().find(entry.event);
     if (found != phrases().end()) return found->second(entry);
     std::string text = entry.event;
-    for (const auto& [key, value] : entry.details) text.append(" ").append(key + '=' + value);
+    for (const auto& [key, value] : entry.details)
+        text.append(" ").append(key).append("=").append(value);
     return text;
 }
 

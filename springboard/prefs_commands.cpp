@@ -84,7 +84,7 @@ void showPreferences(const Options& options) {
     for (const auto& [key, value] : rows) width = std::max(width, key.size());
     std::string text;
     for (const auto& [key, value] : rows) {
-        text += key + std::string(width + 2 - key.size(), ' ') + value + '\n';
+        text.append(key).append(width + 2 - key.size(), ' ').append(value).append("\n");
     }
     text.pop_back();
     printLine(text);

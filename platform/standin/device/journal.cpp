@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <system_error>
+#include <utility>
 
 #include "platform/standin/notifications/process_lock.h"
 
@@ -31,8 +32,8 @@ std::filesystem::path Journal::older(const std::filesystem::path& path) {
     return path.string() + ".old";
 }
 
-Journal::Journal(const Author& author, const std::filesystem::path& path, Complaints& complaints)
-    : author_{author},
+Journal::Journal(Author author, const std::filesystem::path& path, Complaints& complaints)
+    : author_{std::move(author)},
       path_{path},
       older_{older(path)},
       complaints_{complaints},

@@ -56,7 +56,7 @@ public:
 
     /// `path` is made when the first line is written. `complaints`, which hears of lines that
     /// cannot be written, must outlive the journal.
-    Journal(const Author& author, const std::filesystem::path& path, Complaints& complaints);
+    Journal(Author author, const std::filesystem::path& path, Complaints& complaints);
 
     bool isKept() const { return !author_.program.empty(); }
     const Author& author() const { return author_; }
