@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cctype>
 #include <charconv>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <variant>

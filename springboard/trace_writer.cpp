@@ -2,6 +2,7 @@
 #include "springboard/trace_writer.h"
 
 #include <iostream>
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
 
