@@ -42,7 +42,9 @@ std::string timeOfDay() {
 
 }  // namespace
 
-Client::Client(const Request& request) : request_{request}, device_{{.root = rootOf(request)}} {}
+Client::Client(const Request& request)
+    : request_{request},
+      device_{{.root = rootOf(request), .author = {"notifyutil", request.command}}} {}
 
 bool Client::run() {
     for (const Operation& operation : request_.operations) perform(operation);

@@ -154,6 +154,12 @@ private:
 
 }  // namespace
 
-Request readRequest(const Words& words) { return Reader{words}.read(); }
+Request readRequest(const Words& words) {
+    Request request = Reader{words}.read();
+    for (const std::string& word : words) {
+        request.command.append(request.command.empty() ? "" : " ").append(word);
+    }
+    return request;
+}
 
 }  // namespace quillet

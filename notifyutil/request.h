@@ -38,6 +38,8 @@ struct Request {
     /// After each post.
     std::chrono::milliseconds pause{100};
     Color color = Color::automatic;
+    /// The words of the line, for whoever asks what was done.
+    std::string command;
 };
 
 /// Reads the words of a command line. Throws UsageError.

@@ -101,6 +101,14 @@ TEST_F(NotifyUtil, SeesWhatOthersDoAndIsSeenByThem) {
     expectOutput({"state"}, "on\n");
 }
 
+TEST_F(NotifyUtil, TellsTheJournalWhatItDoes) {
+    expectPrinted({"-s", "a.name", "5", "-p", "a.name"}, "");
+    const std::string log = run({"log"}).output;
+    EXPECT_THAT(log, HasSubstr("started: --root " + root().string() + " -s a.name 5 -p a.name\n"));
+    EXPECT_THAT(log, HasSubstr("word of a.name: 5\n"));
+    EXPECT_THAT(log, HasSubstr("posted a.name\n"));
+}
+
 TEST_F(NotifyUtil, ReportsAsManyPostsAsItWaitsForAndEnds) {
     expectPrinted({"-z", "0", "-2", "a", "-p", "a", "-p", "a"}, "a\na\n");
     expectPrinted({"-z", "0", "-1", "a", "-2", "b", "-p", "a", "-p", "a", "-p", "b", "-p", "b"},
