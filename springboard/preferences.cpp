@@ -102,9 +102,11 @@ void changePreferences(const Options& options, const std::function<bool(Dictiona
     const Turn turn = takeTurn(options, root.path());
     const fs::path file = root.below(preferencesPath);
     Dictionary preferences = readFrom(file);
-    if (change(preferences) && !standin::rewriteDictionary(file, preferences)) {
+    if (!change(preferences)) return;
+    if (!standin::rewriteDictionary(file, preferences)) {
         throw std::runtime_error(file.string() + ": cannot be written");
     }
+    tellJournal(options, root.path(), "changed");
 }
 
 Value preferenceIn(std::string_view key, std::string_view word) {

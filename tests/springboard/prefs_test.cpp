@@ -79,6 +79,11 @@ TEST_F(Prefs, AreOfTheKindThatTheSwitchLooksFor) {
     EXPECT_EQ(stored("ringtone-volume"), Value{double{0.6F}});
 }
 
+TEST_F(Prefs, AreChangedBeforeTheEyesOfTheJournal) {
+    expectOutput({"prefs", "set", "vibrate-when-on", "yes"}, "");
+    EXPECT_TRUE(run({"log"}).output.ends_with("  changed: prefs set vibrate-when-on yes\n"));
+}
+
 TEST_F(Prefs, CountFromTheNextFlipOn) {
     change({"set", "ios-vibrate-pattern", "no"});
     change({"set", "vibrate-when-off", "yes"});
