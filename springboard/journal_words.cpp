@@ -35,10 +35,17 @@ std::string textOf(const JournalEntry& entry, std::string_view key) {
     return std::string{entry.find(key)};
 }
 
+/// One of SpringBoard's vibration settings: "on", "off", or that it is absent.
+std::string settingOf(const JournalEntry& entry, std::string_view key) {
+    const std::string_view setting = entry.find(key);
+    if (setting == "true") return "on";
+    return setting == "false" ? "off" : std::string{setting};
+}
+
 std::string vibrationWords(const JournalEntry& entry) {
-    return "vibration settings: ring " + textOf(entry, "ring") + ", silent " +
-           textOf(entry, "silent") + " (were " + textOf(entry, "ring-before") + ", " +
-           textOf(entry, "silent-before") + ')';
+    return "vibration: ring " + settingOf(entry, "ring") + ", silent " +
+           settingOf(entry, "silent") + " (was " + settingOf(entry, "ring-before") + ", " +
+           settingOf(entry, "silent-before") + ')';
 }
 
 std::string applyingWords(const JournalEntry& entry) {
