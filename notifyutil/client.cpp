@@ -120,7 +120,7 @@ void Client::check(const std::string& name, std::uint32_t status) {
     if (!request_.isQuiet) std::cerr << name << ": Failed with code " << status << '\n';
 }
 
-void Client::report(const std::string& name, int token) {
+void Client::report(const std::string& name, int token) const {
     if (request_.isQuiet) return;
     if (!request_.isVerbose) {
         std::cout << name << std::endl;

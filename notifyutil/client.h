@@ -32,7 +32,7 @@ private:
     /// Tells of a status that is none of success.
     void check(const std::string& name, std::uint32_t status);
     /// Tells that `name` was posted. `token` is one of the name's.
-    void report(const std::string& name, int token);
+    void report(const std::string& name, int token) const;
     void waitForRest();
 
     const Request& request_;
