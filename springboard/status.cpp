@@ -11,6 +11,7 @@
 #include "platform/standin/runtime/dictionary_file.h"
 #include "springboard/messages.h"
 #include "springboard/phone.h"
+#include "springboard/preferences.h"
 #include "springboard/processes.h"
 #include "springboard/status_report.h"
 
@@ -29,7 +30,7 @@ Choices choicesIn(const standin::Dictionary& file) {
 }
 
 Choices choicesOf(const DeviceRoot& root) {
-    const auto file = standin::readDictionary(root.below(newFiles().front().path));
+    const auto file = standin::readDictionary(root.below(preferencesPath));
     return file ? choicesIn(*file) : Choices{};
 }
 
@@ -38,7 +39,8 @@ std::vector<User> watchersOf(const DeviceRoot& root, const Processes& processes)
     std::vector<User> watchers;
     for (const auto& [process, name] : usersOf(root.below(DeviceRoot::notificationsPath))) {
         const std::string command = processes.commandOf(process);
-        if (!command.empty() && !command.starts_with("watch")) continue;
+        const bool isFlip = name == "springboard" && !command.starts_with("watch");
+        if (isFlip && !command.empty()) continue;
         watchers.push_back({process, name, command});
     }
     return watchers;

@@ -147,6 +147,12 @@ TEST_F(NotifyUtil, ReportsFlipsToWhoeverWaitsUntilInterrupted) {
     EXPECT_EQ(endWaiting(SIGINT), -SIGINT);
 }
 
+TEST_F(NotifyUtil, WatchesTheDeviceWhileItWaits) {
+    beginToWait({"-w", "a"});
+    EXPECT_THAT(run({"status"}).output, HasSubstr("Watched by   notifyutil["));
+    EXPECT_EQ(endWaiting(SIGINT), -SIGINT);
+}
+
 TEST_F(NotifyUtil, EndsWhenAnotherProcessHasMadeThePosts) {
     beginToWait({"-2", "a"});
     expectPrinted({"-z", "0", "-p", "a"}, "");
