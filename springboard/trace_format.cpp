@@ -20,6 +20,23 @@ struct ToJSON {
     Json operator()(const auto& plain) const { return plain; }
 };
 
+TraceValue valueOf(const Json& json) {
+    switch (json.type()) {
+        case Json::value_t::boolean:
+            return json.get<bool>();
+        case Json::value_t::number_integer:
+            return json.get<std::int64_t>();
+        case Json::value_t::number_unsigned:
+            return json.get<std::uint64_t>();
+        case Json::value_t::number_float:
+            return json.get<double>();
+        case Json::value_t::string:
+            return json.get<std::string>();
+        default:
+            return {};
+    }
+}
+
 Json toJSON(const TraceValue& value) { return std::visit(ToJSON{}, value); }
 
 std::string textOf(const TraceValue& value) { return toLine(toJSON(value)); }
@@ -81,6 +98,17 @@ Json toJSON(const TraceRecord& record) {
     if (record.depth > 0) object["depth"] = record.depth;
     if (!record.isDone) object["done"] = false;
     return object;
+}
+
+TraceRecord recordOf(const Json& object) {
+    TraceRecord record;
+    record.time = object.at("t").get<double>();
+    record.receiver = object.value("receiver", "");
+    record.operation = object.at("op").get<std::string>();
+    record.depth = object.value("depth", 0);
+    for (const Json& argument : object.at("args")) record.arguments.push_back(valueOf(argument));
+    if (object.contains("result")) record.result = valueOf(object.at("result"));
+    return record;
 }
 
 Json endToJSON(const TraceRecord& record, double duration) {

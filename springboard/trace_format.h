@@ -27,6 +27,10 @@ Json toJSON(const TraceOrigin& origin);
 /// false where the device could not do it.
 Json toJSON(const standin::TraceRecord& record);
 
+/// What toJSON makes such an object of, but for "done". Throws nlohmann::json::exception when it
+/// lacks what it must have.
+standin::TraceRecord recordOf(const Json& object);
+
 /// The end of a call that lasted `duration` seconds: as the record itself, without "args" and
 /// "result", with "t" when it ended and "dur".
 Json endToJSON(const standin::TraceRecord& record, double duration);

@@ -9,42 +9,11 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "springboard/json.h"
+#include "springboard/trace_format.h"
 
 namespace quillet {
 
-using standin::TraceRecord;
-using standin::TraceValue;
-
 namespace {
-
-TraceValue valueOf(const Json& json) {
-    switch (json.type()) {
-        case Json::value_t::boolean:
-            return json.get<bool>();
-        case Json::value_t::number_integer:
-            return json.get<std::int64_t>();
-        case Json::value_t::number_unsigned:
-            return json.get<std::uint64_t>();
-        case Json::value_t::number_float:
-            return json.get<double>();
-        case Json::value_t::string:
-            return json.get<std::string>();
-        default:
-            return {};
-    }
-}
-
-TraceRecord recordOf(const Json& json) {
-    TraceRecord record;
-    record.time = json.at("t").get<double>();
-    record.receiver = json.value("receiver", "");
-    record.operation = json.at("op").get<std::string>();
-    record.depth = json.value("depth", 0);
-    for (const Json& argument : json.at("args")) record.arguments.push_back(valueOf(argument));
-    if (json.contains("result")) record.result = valueOf(json.at("result"));
-    return record;
-}
 
 std::string originOf(const Json& json) {
     return json.at("program").get<std::string>() + ", process " +
