@@ -3,6 +3,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "platform/standin/device/vibration_settings.h"
 #include "platform/standin/plist/readings.h"
 #include "platform/standin/runtime/dictionary_file.h"
 #include "springboard/json.h"
@@ -12,10 +13,9 @@ namespace quillet {
 
 using standin::Dictionary;
 using standin::Value;
+using standin::VibrationSettings;
 
 namespace {
-
-constexpr char settingsPath[] = "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 
 /// The value of `key` as `reading` takes it; nothing where there is none.
 template <class Reading>
@@ -41,13 +41,13 @@ void addChange(std::string& changes, const char* key, const Setting& before, con
 }  // namespace
 
 PhoneNow lookAt(const standin::Device& device) {
-    const auto settings = standin::readDictionary(device.below(settingsPath));
+    const auto settings = standin::readDictionary(device.below(VibrationSettings::path));
     const auto preferences = standin::readDictionary(device.below(preferencesPath));
     return {.isMuted = device.hardware.isRingerMuted(),
             .volume = device.hardware.volume("Ringtone"),
-            .ring = valueOf(settings, "ring-vibrate", standin::boolValue),
-            .silent = valueOf(settings, "silent-vibrate", standin::boolValue),
-            .keptVolume = valueOf(preferences, "ringtone-volume", standin::floatValue)};
+            .ring = valueOf(settings, VibrationSettings::ringKey, standin::boolValue),
+            .silent = valueOf(settings, VibrationSettings::silentKey, standin::boolValue),
+            .keptVolume = valueOf(preferences, volumeKey, standin::floatValue)};
 }
 
 std::string inWords(const PhoneNow& phone) {
@@ -58,9 +58,9 @@ std::string inWords(const PhoneNow& phone) {
 
 std::string leftBehind(const PhoneNow& before, const PhoneNow& after) {
     std::string changes;
-    addChange(changes, "ring-vibrate", before.ring, after.ring);
-    addChange(changes, "silent-vibrate", before.silent, after.silent);
-    addChange(changes, "ringtone-volume", before.keptVolume, after.keptVolume);
+    addChange(changes, VibrationSettings::ringKey, before.ring, after.ring);
+    addChange(changes, VibrationSettings::silentKey, before.silent, after.silent);
+    addChange(changes, volumeKey, before.keptVolume, after.keptVolume);
     return changes.empty() ? "nothing" : changes;
 }
 
