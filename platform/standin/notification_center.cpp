@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/notification_center.h"
 
-#include <cstdio>
 #include <string>
 
 #include "platform/standin/device/device.h"
@@ -10,6 +9,7 @@ namespace quillet {
 
 using standin::Answer;
 using standin::Device;
+using standin::DeviceRoot;
 using standin::ObjectAt;
 using standin::Pointer;
 
@@ -44,8 +44,8 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef /*center*/, const v
                  nullptr);
     });
     if (!isAdded) {
-        std::fprintf(stderr, "\"%s\" cannot be observed: the service does not take the name\n",
-                     nameText.c_str());
+        device.complaints.add(device.below(DeviceRoot::notificationsPath),
+                              "does not take \"" + nameText + '"');
     }
 }
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "platform/notify.h"
 
-#include <cstdio>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "platform/standin/device/device.h"
 
@@ -11,6 +11,7 @@ namespace quillet {
 
 using standin::Answer;
 using standin::Device;
+using standin::DeviceRoot;
 using standin::Subscription;
 using standin::Told;
 
@@ -32,7 +33,8 @@ uint32_t notify_register_check(const char* name, int* outToken) {
     Device& device = Device::current();
     const uint32_t status = device.tokens.take(name, *outToken);
     if (status == NOTIFY_STATUS_FAILED) {
-        std::fprintf(stderr, "\"%s\" cannot be registered: the service does not take it\n", name);
+        device.complaints.add(device.below(DeviceRoot::notificationsPath),
+                              "does not take \"" + std::string{name} + '"');
     }
     device.trace.function("notify_register_check", name,
                           left(status == NOTIFY_STATUS_OK, *outToken), Answer{status});

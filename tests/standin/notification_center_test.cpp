@@ -190,6 +190,7 @@ TEST_F(Center, ANameWithoutRoomOrTooLongIsNotObserved) {
     const Work work = noting("called");
     observe(longest + "n", work);
     EXPECT_EQ(table.find(longest), nullptr);
+    EXPECT_FALSE(device().complaints.isEmpty());
 
     const NoRoom noRoom;
     for (int i = 0; table.findOrAdd("name." + std::to_string(i)) != nullptr;) ++i;

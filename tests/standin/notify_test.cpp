@@ -219,6 +219,7 @@ TEST_F(Notify, AServiceThatRefusesGivesNoTokenButServesThoseItGave) {
     int token = untouched;
     EXPECT_EQ(notify_register_check("a.name", &token), NOTIFY_STATUS_FAILED);
     EXPECT_EQ(token, untouched);
+    EXPECT_FALSE(device().complaints.isEmpty());
     EXPECT_EQ(notify_set_state(old, 1), NOTIFY_STATUS_OK);
     EXPECT_EQ(notify_cancel(old), NOTIFY_STATUS_OK);
 
