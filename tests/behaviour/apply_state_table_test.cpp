@@ -288,7 +288,10 @@ const Dictionary settings = {{"ring-vibrate", true}, {"silent-vibrate", false}};
 
 class ApplyStateTable : public ::testing::TestWithParam<std::tuple<std::int32_t, bool>> {
 protected:
-    /// Puts the phone into the case's situation, as new but for its clock.
+    ApplyStateTable() { phone_.write(springBoardPreferencesPath, settings); }
+
+    /// Puts the phone into the case's situation, as new but for its clock. SpringBoard's settings are
+    /// there already, for every case must leave them as they were.
     void prepare(const Case& situation) {
         phone_.device().eventLoop.turn();
         phone_.device().host = situation.host;
@@ -298,7 +301,6 @@ protected:
         phone_.preferences().setDefaultVibrationPattern(NO);
         phone_.preferences().setVibrateWhenOff(YES);
         phone_.preferences().setVibrateWhenOn(NO);
-        phone_.write(springBoardPreferencesPath, settings);
         writePreferences(situation.choices);
         phone_.log().clear();
     }
