@@ -11,6 +11,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <random>
 #include <string>
@@ -101,10 +102,15 @@ struct Matches {
     }
     bool operator()(const Array& array) const {
         if (!is(PLIST_ARRAY) || plist_array_get_size(node) != array.size()) return false;
-        std::uint32_t index = 0;
+        // Not by index: that takes as long as the index is large.
+        plist_array_iter iterator = nullptr;
+        plist_array_new_iter(node, &iterator);
+        const std::unique_ptr<void, decltype(&std::free)> owner{iterator, &std::free};
         const auto elements = array.elements();
         return std::all_of(elements.begin(), elements.end(), [&](const Value& value) {
-            return std::visit(Matches{plist_array_get_item(node, index++)}, value);
+            plist_t item = nullptr;
+            plist_array_next_item(node, iterator, &item);
+            return std::visit(Matches{item}, value);
         });
     }
     bool operator()(const Dictionary& dictionary) const {
