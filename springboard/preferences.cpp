@@ -31,8 +31,8 @@ namespace {
 Dictionary readFrom(const fs::path& file) {
     if (!standin::mayExist(file)) return {};
     if (auto preferences = standin::readDictionary(file)) return *std::move(preferences);
-    throw std::runtime_error(file.string() +
-                             ": cannot be read as preferences; it is left as it is");
+    throw std::runtime_error(file.string() + ": cannot be read as preferences: " +
+                             standin::whyNoDictionary(file) + "; it is left as it is");
 }
 
 bool isKnown(std::string_view key) {

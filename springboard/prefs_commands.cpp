@@ -130,12 +130,13 @@ std::optional<std::string> inputOf(const fs::path& file) {
 }
 
 Dictionary settingsIn(const fs::path& file) {
-    auto bytes = inputOf(file);
-    if (!bytes) throw std::runtime_error(file.string() + ": cannot be read");
-    const auto value = standin::readPropertyList(*std::move(bytes));
+    const std::string name = file == "-" ? "standard input" : file.string();
+    const auto bytes = inputOf(file);
+    if (!bytes) throw std::runtime_error(name + ": cannot be read");
+    const auto value = standin::readPropertyList(*bytes);
     const auto* const dictionary = value ? std::get_if<Dictionary>(&*value) : nullptr;
     if (dictionary != nullptr) return *dictionary;
-    throw std::runtime_error(file.string() + ": not a property list that is a dictionary");
+    throw std::runtime_error(name + ": " + standin::whyNoDictionaryIn(*bytes));
 }
 
 void importPreferences(const Options& options, const fs::path& file) {

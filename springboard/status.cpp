@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/status.h"
 
+#include <filesystem>
 #include <string_view>
 
 #include "platform/standin/device/complaints.h"
@@ -8,7 +9,6 @@
 #include "platform/standin/device/root.h"
 #include "platform/standin/notifications/notification_table.h"
 #include "platform/standin/plist/readings.h"
-#include "platform/standin/runtime/dictionary_file.h"
 #include "springboard/messages.h"
 #include "springboard/phone.h"
 #include "springboard/preferences.h"
@@ -17,6 +17,7 @@
 
 namespace quillet {
 
+namespace fs = std::filesystem;
 using standin::DeviceRoot;
 using standin::JournalEntry;
 
@@ -29,9 +30,9 @@ Choices choicesIn(const standin::Dictionary& file) {
             kept ? standin::floatValue(*kept) : std::nullopt};
 }
 
-Choices choicesOf(const DeviceRoot& root) {
-    const auto file = standin::readDictionary(root.below(preferencesPath));
-    return file ? choicesIn(*file) : Choices{};
+/// What the device takes the file for.
+standin::Dictionary dictionaryIn(const fs::path& file, standin::Complaints& complaints) {
+    return standin::readDictionary(file, complaints).value_or(standin::Dictionary{});
 }
 
 /// Those who have the device open for longer than a flip takes.
@@ -112,10 +113,11 @@ void printStatus(const Options& options) {
     const auto* const word = table.find(DeviceRoot::ringerStateName);
     if (word != nullptr) status.word = word->state.load();
     readHardware(status, root, complaints);
-    status.choices = choicesOf(root);
+    status.choices = choicesIn(dictionaryIn(root.below(preferencesPath), complaints));
     // Asked before the settings are: a flip that ends in between has put them back.
     status.isFlipping = isTurnTaken(root.path());
-    status.vibration = standin::VibrationSettings::in(root.below(standin::VibrationSettings::path));
+    status.vibration = standin::VibrationSettings::in(
+        dictionaryIn(root.below(standin::VibrationSettings::path), complaints));
     readJournal(status, root);
     report(status, options.json);
     if (!complaints.isEmpty()) throw AlreadySaid{};

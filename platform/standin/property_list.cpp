@@ -27,7 +27,7 @@ namespace {
 template <class Reference>
 Reference readDictionary(const char* receiver, const char* operation, const NSString& path) {
     Device& device = Device::current();
-    auto content = standin::readDictionary(device.below(standin::text(path)));
+    auto content = standin::readDictionary(device.below(standin::text(path)), device.complaints);
     constexpr bool isMutable = std::is_same_v<Reference, NSMutableDictionary>;
     auto* const instance = content ? new ValueInstance{std::move(*content), isMutable} : nullptr;
     const auto dictionary = adopt<Reference>(instance);

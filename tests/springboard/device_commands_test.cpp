@@ -103,11 +103,15 @@ TEST_F(DeviceCommands, ARootOfBeforeIsAPhoneOfTheDefaultModel) {
 
 TEST_F(DeviceCommands, ADeviceThatDoesNotTellWhatItIsIsNamed) {
     writeText(onDevice(factsPath), "junk");
-    const std::string message = onDevice(factsPath).string() + ": does not tell what the device is";
+    const std::string message = onDevice(factsPath).string() +
+                                ": does not tell what the device is" +
+                                ": line 1, column 1: text where a tag belongs\n";
     for (const char* const command : {"state", "flip", "model", "host"}) {
         expectFailure(run({command}), 1, message);
     }
     EXPECT_EQ(bytes(factsPath), "junk") << "and left as it is";
+    write(factsPath, Dictionary{{"machine", false}});
+    expectFailure(run({"model"}), 1, ": does not tell what the device is\n");
 }
 
 TEST_F(DeviceCommands, EraseMakesThePhoneNewAgainAndKeepsWhatItIs) {

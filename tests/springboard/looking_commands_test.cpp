@@ -311,17 +311,34 @@ TEST_F(Looking, HardwareThatCannotBeReadOrLockedIsComplainedOf) {
     };
     const std::string before = bytes(standin::DeviceRoot::hardwarePath);
     writeText(onDevice(standin::DeviceRoot::hardwarePath), "junk");
-    expectComplaint("/var/db/hardware.plist: cannot be read: not a property list");
+    expectComplaint("/var/db/hardware.plist: cannot be read: line 1, column 1: text where ");
     EXPECT_EQ(bytes(standin::DeviceRoot::hardwarePath), "junk");
     EXPECT_EQ(run({"status"}).status, 1);
     fs::remove(onDevice(standin::DeviceRoot::hardwarePath));
     fs::create_directory(onDevice(standin::DeviceRoot::hardwarePath));
-    expectComplaint("/var/db/hardware.plist: cannot be read: ");
+    expectComplaint("/var/db/hardware.plist: cannot be read: not a file");
     fs::remove(onDevice(standin::DeviceRoot::hardwarePath));
     writeText(onDevice(standin::DeviceRoot::hardwarePath), before);
     fs::remove(onDevice("/var/db/hardware.plist.lock"));
     fs::create_directory(onDevice("/var/db/hardware.plist.lock"));
     expectComplaint("/var/db/hardware.plist.lock: no lock: Is a directory");
+}
+
+TEST_F(Looking, SettingsThatCountAsNoneAreMentionedWithThePlaceOfTheFault) {
+    const auto expectMention = [this](const char* path, const std::string& place) {
+        for (const char* const command : {"flip", "status"}) {
+            const Outcome outcome = run({command});
+            EXPECT_EQ(outcome.status, 0) << "a device goes on without them";
+            EXPECT_EQ(outcome.errors, "springboard: " + onDevice(path).string() +
+                                          ": counts as no file: " + place + '\n');
+        }
+    };
+    write(preferencesPath, Dictionary{{"ios-vibrate-pattern", false}});
+    writeText(onDevice(springBoardPreferencesPath), "bplist00");
+    expectMention(springBoardPreferencesPath, "offset 0: a trailer that does not fit the file");
+    write(springBoardPreferencesPath, Dictionary{{"ring-vibrate", true}});
+    writeText(onDevice(preferencesPath), "<dict>\n<key>vibrate-when-on</key></dict>");
+    expectMention(preferencesPath, "line 2, column 27: a key without a value");
 }
 
 TEST_F(Looking, HardwareThatIsMissingIsMadeAgainAsTheStateSays) {
@@ -354,7 +371,7 @@ TEST_F(Looking, ErrorsAreObjectsOnRequest) {
     };
     expectError(run({"--json", "sing"}), 2, "no such command");
     writeText(onDevice(standin::DeviceRoot::hardwarePath), "junk");
-    expectError(run({"--json", "flip"}), 1, "not a property list");
+    expectError(run({"--json", "flip"}), 1, "hardware.plist: cannot be read: line 1, column 1");
     fs::remove(onDevice("/var/run/notifications"));
     expectError(run({"--json", "state"}), 1, "has lost /var/run/notifications");
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/standin/plist/property_list.h"
 #include "springboard/turn.h"
@@ -157,13 +158,16 @@ TEST_F(Prefs, ThatCannotBeReadAreNeverOverwritten) {
     const fs::path file = onDevice(preferencesPath);
     const fs::path one = folder() / "one.plist";
     writeText(one, standin::writePropertyList(Dictionary{{"vibrate-when-on", true}}));
-    for (const std::string& content :
-         {std::string{"no property list"}, standin::writePropertyList(Array{})}) {
+    const std::pair<std::string, const char*> contents[] = {
+        {"\nno property list", "line 2, column 1: text where a tag belongs"},
+        {standin::writePropertyList(Array{}), "it holds no dictionary"}};
+    for (const auto& [content, reason] : contents) {
         writeText(file, content);
         for (const Words& words : {Words{"prefs"}, Words{"prefs", "read", "a"},
                                    Words{"prefs", "set", "a", "1"}, Words{"prefs", "unset", "a"},
                                    Words{"prefs", "import", one}, Words{"prefs", "export", "-"}}) {
-            expectFailure(run(words), 1, file.string() + ": cannot be read as preferences");
+            expectFailure(run(words), 1,
+                          file.string() + ": cannot be read as preferences: " + reason + "; ");
             EXPECT_EQ(bytes(preferencesPath), content);
         }
     }
@@ -199,11 +203,11 @@ TEST_F(Prefs, AreImportedFromADictionaryOnly) {
     const std::string before = bytes(preferencesPath);
     const fs::path input = folder() / "input.plist";
     expectFailure(run({"prefs", "import", input}), 1, input.string() + ": cannot be read");
-    for (const std::string& content : {std::string{"text"}, standin::writePropertyList(Array{})}) {
-        writeText(input, content);
-        expectFailure(run({"prefs", "import", input}), 1,
-                      input.string() + ": not a property list that is a dictionary");
-    }
+    writeText(input, "<array>\n</dict>");
+    expectFailure(run({"prefs", "import", input}), 1,
+                  input.string() + ": line 2, column 1: an end without a start\n");
+    writeText(input, standin::writePropertyList(Array{}));
+    expectFailure(run({"prefs", "import", input}), 1, input.string() + ": it holds no dictionary");
     EXPECT_EQ(bytes(preferencesPath), before);
     const std::string nowhere = folder() / "no" / "copy.plist";
     expectFailure(run({"prefs", "export", nowhere}), 1, nowhere + ": cannot be written");

@@ -22,6 +22,7 @@ using standin::Dictionary;
 using standin::Form;
 using standin::Value;
 using ::testing::ElementsAre;
+using ::testing::StartsWith;
 
 constexpr char path[] = "/var/mobile/a.plist";
 
@@ -94,13 +95,15 @@ TEST_F(DictionaryFile, ThatIsTooLargeIsNotReadAtAll) {
 
 TEST_F(DictionaryFile, ThatGivesNilSaysWhereAndWhy) {
     const std::string file = device().below(path);
-    EXPECT_EQ(standin::whyNoDictionary(file), "it cannot be read");
+    EXPECT_EQ(standin::whyNoDictionary(file), "No such file or directory");
     write(std::string{"<dict>\n<key>a</key></dict>"});
     EXPECT_EQ(standin::whyNoDictionary(file), "line 2, column 13: a key without a value");
     write(std::string{"bplist00"});
     EXPECT_EQ(standin::whyNoDictionary(file), "offset 0: a trailer that does not fit the file");
     write(Value{Array{}});
     EXPECT_EQ(standin::whyNoDictionary(file), "it holds no dictionary");
+    std::filesystem::resize_file(file, standin::maxSettingsSize + 1);
+    EXPECT_THAT(standin::whyNoDictionary(file), StartsWith("more than 64 MB"));
 }
 
 TEST_F(DictionaryFile, IsLookedUpBelowTheDevicesRoot) {

@@ -60,8 +60,9 @@ DeviceFacts readFacts(const std::filesystem::path& path) {
     if (!mayExist(path)) return {};
     const auto file = readDictionary(path);
     const auto facts = file ? factsIn(*file) : std::nullopt;
-    if (!facts) throw std::runtime_error(path.string() + ": does not tell what the device is");
-    return *facts;
+    if (facts) return *facts;
+    const std::string reason = file ? "" : ": " + whyNoDictionary(path);
+    throw std::runtime_error(path.string() + ": does not tell what the device is" + reason);
 }
 
 void writeFacts(const std::filesystem::path& path, const DeviceFacts& facts) {

@@ -66,7 +66,7 @@ Dictionary Hardware::newState() {
 
 std::optional<Dictionary> Hardware::read() const {
     auto state = readDictionary(path_);
-    if (!state) complain(path_, "cannot be read: " + faultOf(path_, "not a property list"));
+    if (!state) complain(path_, "cannot be read: " + whyNoDictionary(path_));
     return state;
 }
 

@@ -54,11 +54,21 @@ std::optional<Dictionary> readDictionary(const std::filesystem::path& path) {
 }
 
 std::string whyNoDictionary(const std::filesystem::path& path) {
-    const auto bytes = readFile(path, maxSettingsSize);
-    if (!bytes) return "it cannot be read";
+    try {
+        const auto bytes = readFile(path, maxSettingsSize);
+        if (!bytes) return faultOf(path, "more than 64 MB, or a fault of the disk");
+        return whyNoDictionaryIn(*bytes);
+    } catch (const std::bad_alloc&) {
+        return "want of memory";
+    }
+}
+
+std::string whyNoDictionaryIn(const std::string& bytes) {
     Fault fault;
-    if (readPropertyList(*bytes, &fault)) return "it holds no dictionary";
-    return describe(fault, *bytes);
+    const auto value = readPropertyList(bytes, &fault);
+    if (!value) return describe(fault, bytes);
+    const bool isOne = std::holds_alternative<Dictionary>(*value);
+    return isOne ? "want of memory, or a fault that has passed" : "it holds no dictionary";
 }
 
 bool writeDictionary(const std::filesystem::path& path, const Value& dictionary) {

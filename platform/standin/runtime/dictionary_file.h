@@ -21,9 +21,12 @@ inline constexpr std::size_t maxSettingsSize = std::size_t{64} << 20U;
 /// when the file is larger than maxSettingsSize, or when there is no memory for it.
 std::optional<Dictionary> readDictionary(const std::filesystem::path& path);
 
-/// Why readDictionary answers nothing, in a phrase: "line 3, column 7: a key without a value", or
-/// that the file cannot be read or holds something else.
+/// Why readDictionary answers nothing, in a phrase: "line 3, column 7: a key without a value", that
+/// the file holds something else, or why it cannot be read. The file is read again for that.
 std::string whyNoDictionary(const std::filesystem::path& path);
+
+/// The same of a file's bytes.
+std::string whyNoDictionaryIn(const std::string& bytes);
 
 /// Writes `dictionary`, which was read from a file or made anew, in the XML form to the file at
 /// `path`; see writeFileAtomically. False when it cannot be written, its text would take too much
