@@ -7,11 +7,11 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <variant>
 
 #include "platform/standin/files/descriptor.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
+#include "platform/standin/plist/value_on_tape.h"
 #include "program/usage_error.h"
 #include "springboard/commands.h"
 #include "springboard/key_path.h"
@@ -43,7 +43,6 @@ constexpr char standardStream[] = "-";
 struct PropertyListFile {
     /// For messages.
     std::string name;
-    std::size_t size;
     Value value;
 };
 
@@ -73,7 +72,7 @@ PropertyListFile readList(const std::string& file) {
     standin::Fault fault;
     auto value = standin::readPropertyList(bytes, &fault);
     if (!value) throw std::runtime_error(name + ": " + describe(fault, bytes));
-    return {name, bytes.size(), *std::move(value)};
+    return {name, *std::move(value)};
 }
 
 void putOut(const std::string& bytes) {
@@ -90,8 +89,8 @@ void putTo(const std::string& file, const std::string& bytes) {
 
 /// The value in a form, which is nothing for JSON.
 std::string bytesIn(std::optional<Form> form, const PropertyListFile& file) {
-    const auto bytes = form ? standin::rewritePropertyList(file.value, *form)
-                            : inJSON(file.value, standin::memoryLimit(file.size));
+    const auto bytes =
+        form ? standin::rewritePropertyList(file.value, *form) : inJSON(file.value, Layout::lines);
     if (!bytes) throw std::runtime_error(file.name + ": too large in that form");
     return *bytes;
 }
@@ -107,11 +106,6 @@ std::optional<Form> formNamed(const std::string& word) {
     throw UsageError(inQuotes(word) + " is no form: xml, binary or json");
 }
 
-bool isContainer(const Value& value) {
-    return std::holds_alternative<standin::Array>(value) ||
-           std::holds_alternative<standin::Dictionary>(value);
-}
-
 void print(const Options& options, const std::string& file) {
     putOut(bytesIn(formFor(options), readList(file)));
 }
@@ -121,7 +115,7 @@ void get(const Options& options, const std::string& path, const std::string& nam
     auto found = valueAt(file.value, path);
     if (!found) throw std::runtime_error(file.name + ": nothing is at " + inQuotes(path));
     file.value = *std::move(found);
-    const bool isWords = !options.json && !isContainer(file.value);
+    const bool isWords = !options.json && containerIn(file.value) == nullptr;
     putOut(isWords ? inWords(file.value) + '\n' : bytesIn(formFor(options), file));
 }
 

@@ -1,24 +1,30 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/plist_text.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/standin/plist/base64.h"
 #include "platform/standin/plist/calendar.h"
+#include "platform/standin/plist/property_list.h"
 #include "platform/standin/plist/tape.h"
+#include "platform/standin/plist/value_on_tape.h"
 #include "springboard/json.h"
 
 namespace quillet {
 
 namespace {
 
-using standin::Array;
 using standin::Kind;
 using standin::Node;
+using standin::Tape;
 
 std::string inBase64(std::string_view bytes) {
     std::string text(standin::base64Size(bytes.size()), '\0');
@@ -64,30 +70,52 @@ bool isStringInJSON(const Node& node) {
            (node.kind == Kind::real && !std::isfinite(node.real));
 }
 
+/// The sink that only counts.
+class Counter {
+public:
+    void put(std::string_view text) { size_ += text.size(); }
+    std::size_t size() const { return size_; }
+
+private:
+    std::size_t size_ = 0;
+};
+
+/// What writes, to where room is made for all that has been counted.
+class Text {
+public:
+    explicit Text(std::size_t size) { text_.reserve(size); }
+    void put(std::string_view text) { text_ += text; }
+    std::string text() && { return std::move(text_); }
+
+private:
+    std::string text_;
+};
+
+/// Puts a value's JSON into a sink. The same code measures and writes, so that the two agree.
+template <class Sink>
 class JSONWriter {
 public:
-    explicit JSONWriter(std::size_t limit) : limit_{limit} {}
+    JSONWriter(Layout layout, Sink& sink) : isInLines_{layout == Layout::lines}, sink_{sink} {}
 
-    /// As much of the value as the limit allows.
     void write(const Node& root) {
         const Node* node = begin(root);
-        while (!open_.empty() && !isFull()) {
+        while (!open_.empty()) {
             Level& level = open_.back();
             if (node == level.end) {
                 close();
                 continue;
             }
-            text_ += level.isFirst ? "\n" : ",\n";
+            if (!level.isFirst) sink_.put(isInLines_ ? "," : ", ");
             level.isFirst = false;
-            indent();
-            if (level.isDictionary) text_ += quoted((node++)->text()) + ": ";
+            beginLine();
+            if (level.isDictionary) {
+                putQuoted((node++)->text());
+                sink_.put(": ");
+            }
             node = begin(*node);
         }
-        text_ += '\n';
+        if (isInLines_) sink_.put("\n");
     }
-
-    bool isFull() const { return text_.size() > limit_; }
-    std::string text() && { return std::move(text_); }
 
 private:
     struct Level {
@@ -96,52 +124,74 @@ private:
         bool isFirst = true;
     };
 
-    static std::string quoted(std::string_view text) { return Json(text).dump(); }
+    void putQuoted(std::string_view text) { sink_.put(Json(text).dump()); }
 
-    void indent() { text_.append(2 * open_.size(), ' '); }
+    void beginLine() {
+        if (!isInLines_) return;
+        sink_.put("\n");
+        for (std::size_t i = 0; i < open_.size(); ++i) sink_.put("  ");
+    }
 
     /// Puts a value, of a container only its beginning. Returns the node after that.
     const Node* begin(const Node& node) {
         const bool isDictionary = node.kind == Kind::dictionary;
-        if (node.isContainer() && node.count == 0) {
-            text_ += isDictionary ? "{}" : "[]";
-        } else if (node.isContainer()) {
-            text_ += isDictionary ? '{' : '[';
+        if (node.isContainer()) {
+            sink_.put(isDictionary ? "{" : "[");
             open_.push_back({node.next(), isDictionary});
         } else if (node.kind == Kind::uid) {
-            text_ += "{\"CF$UID\": " + inWords(node) + '}';
+            sink_.put("{\"CF$UID\": " + inWords(node) + '}');
+        } else if (isStringInJSON(node)) {
+            putQuoted(inWords(node));
         } else {
-            text_ += isStringInJSON(node) ? quoted(inWords(node)) : inWords(node);
+            const bool isReal = node.kind == Kind::real;
+            sink_.put(isReal && !isInLines_ ? toLine(node.real) : inWords(node));
         }
         return &node + 1;
     }
 
     void close() {
-        const char end = open_.back().isDictionary ? '}' : ']';
+        const Level level = open_.back();
         open_.pop_back();
-        text_ += '\n';
-        indent();
-        text_ += end;
+        if (!level.isFirst) beginLine();
+        sink_.put(level.isDictionary ? "}" : "]");
     }
 
-    std::size_t limit_;
-    std::string text_;
+    bool isInLines_;
+    Sink& sink_;
     std::vector<Level> open_;
 };
 
+/// Where the value is: on its own tape, or put on `tape`.
+const Node& nodeOf(const standin::Value& value, Tape& tape) {
+    if (const auto* const container = containerIn(value)) return container->head();
+    append(tape, tape.nodes, value);
+    return tape.nodes.front();
+}
+
+/// In bytes.
+std::size_t roomFor(const standin::Value& value) {
+    const auto* const container = containerIn(value);
+    if (container == nullptr) return std::numeric_limits<std::size_t>::max();
+    const std::size_t limit = standin::memoryLimit(container->tape()->size());
+    return limit - std::min(limit, container->tape()->memory());
+}
+
 }  // namespace
 
-std::optional<std::string> inJSON(const standin::Value& value, std::size_t limit) {
-    const Array holder{std::vector{value}};
-    JSONWriter writer{limit};
-    writer.write(*(&holder.head() + 1));
-    if (writer.isFull()) return std::nullopt;
-    return std::move(writer).text();
+std::optional<std::string> inJSON(const standin::Value& value, Layout layout) {
+    Tape tape;
+    const Node& root = nodeOf(value, tape);
+    Counter counter;
+    JSONWriter{layout, counter}.write(root);
+    if (counter.size() > roomFor(value)) return std::nullopt;
+    Text text{counter.size()};
+    JSONWriter{layout, text}.write(root);
+    return std::move(text).text();
 }
 
 std::string inWords(const standin::Value& value) {
-    const Array holder{std::vector{value}};
-    return inWords(*(&holder.head() + 1));
+    Tape tape;
+    return inWords(nodeOf(value, tape));
 }
 
 }  // namespace quillet

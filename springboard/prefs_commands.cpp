@@ -4,7 +4,6 @@
 #include <iostream>
 #include <iterator>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,8 +18,7 @@
 #include "program/usage_error.h"
 #include "springboard/arguments.h"
 #include "springboard/commands.h"
-#include "springboard/json.h"
-#include "springboard/plist_json.h"
+#include "springboard/plist_text.h"
 #include "springboard/preferences.h"
 
 namespace quillet {
@@ -68,17 +66,23 @@ void tellUser(const std::string& remark) {
     if (!remark.empty()) std::cerr << "springboard: " << remark << '\n';
 }
 
+std::string inLine(const Value& value) {
+    auto line = inJSON(value, Layout::line);
+    if (!line) throw std::runtime_error("the preferences take too much memory as text");
+    return *std::move(line);
+}
+
 void showPreferences(const Options& options) {
     const Dictionary preferences = readPreferences(options);
-    if (options.json) return printLine(toLine(toJSON(preferences)));
+    if (options.json) return printLine(inLine(preferences));
     std::vector<std::pair<std::string, std::string>> rows;
     for (const std::string key : preferenceKeys) {
         const auto value = preferences.find(key);
-        rows.emplace_back(key, value ? toLine(toJSON(*value)) : "absent");
+        rows.emplace_back(key, value ? inLine(*value) : "absent");
     }
     for (const auto& [key, value] : preferences.entries()) {
         if (std::ranges::find(preferenceKeys, key) != preferenceKeys.end()) continue;
-        rows.emplace_back(key, toLine(toJSON(value)));
+        rows.emplace_back(key, inLine(value));
     }
     std::size_t width = 0;
     for (const auto& [key, value] : rows) width = std::max(width, key.size());
@@ -98,9 +102,9 @@ void readPreference(const Options& options, const std::string& key) {
         for (const auto& entry : preferences.entries()) known.push_back(entry.key);
         throw std::runtime_error("no such preference: " + inQuotes(key) + suggestion(key, known));
     }
-    if (options.json) return printLine(toLine({{key, toJSON(*value)}}));
+    if (options.json) return printLine(inLine(Dictionary{{key, *value}}));
     const auto* const text = std::get_if<std::string>(&*value);
-    printLine(text != nullptr ? *text : toLine(toJSON(*value)));
+    printLine(text != nullptr ? *text : inLine(*value));
 }
 
 void setPreference(const Options& options, const Setting& setting) {

@@ -96,6 +96,7 @@ TEST_F(PlistCommands, ConvertWritesJSONWithWordsForWhatThatLacks) {
 }
 )");
     EXPECT_EQ(printed({"--json", "print", file("<string>a</string>")}), "\"a\"\n");
+    EXPECT_EQ(printed({"--json", "print", file("<dict/>")}), "{}\n");
 }
 
 TEST_F(PlistCommands, GetPrintsTheValueAtAPath) {

@@ -3,7 +3,6 @@
 
 #include <limits>
 #include <utility>
-#include <variant>
 
 #include "platform/standin/plist/tape.h"
 #include "platform/standin/plist/value_on_tape.h"
@@ -15,12 +14,6 @@ namespace {
 
 std::optional<std::string> written(const Node& root, Form form, std::size_t limit) {
     return form == Form::xml ? writeXML(root, limit) : writeBinary(root, limit);
-}
-
-/// The container that a value is, if it is one.
-const Container* containerIn(const Value& value) {
-    const Container* const array = std::get_if<Array>(&value);
-    return array != nullptr ? array : std::get_if<Dictionary>(&value);
 }
 
 }  // namespace

@@ -52,6 +52,11 @@ Value valueAt(const std::shared_ptr<Tape>& tape, const Node& node) {
     return {};
 }
 
+const Container* containerIn(const Value& value) {
+    const Container* const array = std::get_if<Array>(&value);
+    return array != nullptr ? array : std::get_if<Dictionary>(&value);
+}
+
 void append(Tape& tape, std::vector<Node>& to, const Value& value) {
     const auto put = [&](const auto& content) {
         if constexpr (requires { content.head(); }) {

@@ -12,6 +12,9 @@ namespace quillet::standin {
 /// The value at `node` of the tape, which containers then share.
 Value valueAt(const std::shared_ptr<Tape>& tape, const Node& node);
 
+/// The container that a value is; null when it is none.
+const Container* containerIn(const Value& value);
+
 /// Copies `value` to the end of `to`, which are nodes for `tape`.
 void append(Tape& tape, std::vector<Node>& to, const Value& value);
 
