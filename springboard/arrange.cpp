@@ -67,6 +67,9 @@ std::vector<const CLI::Option*> placesOf(const CLI::App& command) {
     return command.get_options([](const CLI::Option* option) { return option->get_positional(); });
 }
 
+/// Whether it is nothing without one of its commands.
+bool isGroup(const CLI::App& command) { return command.get_require_subcommand_min() > 0; }
+
 bool isFlag(const CLI::Option& option) { return option.get_items_expected_max() == 0; }
 
 /// How many words a command takes at most.
@@ -151,6 +154,10 @@ private:
         }
         if (words_.size() > roomOf(places)) {
             throw UsageError("unexpected word: " + inQuotes(words_[places.size()]));
+        }
+        if (isGroup(*command_)) {
+            const std::string& name = commands_.back();
+            throw UsageError(name + " needs a command; see \"springboard help " + name + '"');
         }
         for (std::size_t i = words_.size(); i < places.size(); ++i) {
             if (!places[i]->get_required()) continue;

@@ -4,8 +4,6 @@
 #include <CLI/CLI.hpp>
 #include <utility>
 
-#include "program/usage_error.h"
-
 namespace quillet {
 
 CLI::Option& add(CLI::App& app, const char* names, const char* type, const char* meaning,
@@ -29,9 +27,9 @@ CLI::App& addCommand(CLI::App& parent, const char* name, const char* meaning, Op
 }
 
 CLI::App& addGroup(CLI::App& parent, const char* name, const char* meaning, Options& options) {
-    return addCommand(parent, name, meaning, options, [name = std::string{name}](const Options&) {
-        throw UsageError(name + " needs a command; see \"springboard help " + name + '"');
-    });
+    CLI::App& group = addCommand(parent, name, meaning, options, {});
+    group.require_subcommand();
+    return group;
 }
 
 void explain(CLI::App& command, const char* footer) { command.footer(footer); }

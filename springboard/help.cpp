@@ -69,9 +69,19 @@ std::string termOf(const CLI::Option& option) {
     return type.empty() || type.starts_with('[') ? term + type : term + ' ' + type;
 }
 
-/// "flip [on|off]"
+/// What may, or must, stand behind the name of a command that has commands.
+std::string wordsBehind(const CLI::App& family, const std::string& words) {
+    return family.get_require_subcommand_min() > 0 ? words : '[' + words + ']';
+}
+
+bool isFamily(const CLI::App& command) {
+    return !command.get_subcommands([](const CLI::App*) { return true; }).empty();
+}
+
+/// "flip [on|off]", "plist COMMAND"
 std::string termOf(const CLI::App& command) {
     std::string term = command.get_name();
+    if (isFamily(command)) term += ' ' + wordsBehind(command, "COMMAND");
     for (const CLI::Option* const option : command.get_options()) {
         if (option->get_positional()) term += ' ' + termOf(*option);
     }
@@ -80,8 +90,8 @@ std::string termOf(const CLI::App& command) {
 
 std::string usageOf(const CLI::App& app) {
     if (app.get_parent() == nullptr) return app.get_name() + " [OPTION]... COMMAND [WORD]...";
-    const bool isFamily = !app.get_subcommands([](const CLI::App*) { return true; }).empty();
-    std::string usage = termOf(app) + (isFamily ? " [COMMAND [WORD]...]" : "");
+    std::string usage =
+        isFamily(app) ? app.get_name() + ' ' + wordsBehind(app, "COMMAND [WORD]...") : termOf(app);
     const CLI::App* parent = app.get_parent();
     for (; parent->get_parent() != nullptr; parent = parent->get_parent()) {
         usage.insert(0, parent->get_name() + ' ');

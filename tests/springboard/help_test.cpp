@@ -9,6 +9,7 @@
 namespace quillet::test {
 namespace {
 
+using namespace std::string_literals;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -68,6 +69,15 @@ TEST_F(Help, OfApplySaysWhatTheNumbersMean) {
     const std::string help = printed({"help", "apply"});
     for (const char* const word : {"\n  0 ", "\n  1 ", "\n  -1 ", "\n  any other "}) {
         EXPECT_THAT(help, HasSubstr(word));
+    }
+}
+
+TEST_F(Help, TellsWhetherACommandThatHasCommandsNeedsOne) {
+    const std::string help = printed({"help"});
+    for (const char* const command : {"trace COMMAND", "plist COMMAND", "prefs [COMMAND"}) {
+        EXPECT_THAT(help, HasSubstr("\n  "s + command));
+        const std::string own = printed({"help", std::string{command}.substr(0, 5)});
+        EXPECT_THAT(own, StartsWith("Usage: springboard [OPTION]... "s + command + " [WORD]..."));
     }
 }
 

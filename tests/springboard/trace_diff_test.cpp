@@ -128,7 +128,7 @@ TEST_F(TraceDiff, NamesAFileThatHoldsNoTrace) {
     expectFailure(run({"trace", "diff", root() / "none", root() / "none"}), 1, "/none: No such");
     expectFailure(run({"trace", "diff", onDevice(preferencesPath), "-"}), 1, "holds no call");
     expectFailure(run({"trace", "diff", "a"}), 2, "diff needs two traces");
-    expectFailure(run({"trace"}), 2, "trace needs a command");
+    expectFailure(run({"trace"}), 2, "trace needs a command; see \"springboard help trace\"\n");
 }
 
 }  // namespace
