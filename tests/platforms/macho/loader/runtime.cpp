@@ -12,6 +12,7 @@
 #include "platform/standin/runtime/instances.h"
 #include "platform/standin/runtime/module.h"
 #include "tests/platforms/macho/loader/platform_methods.h"
+#include "tests/platforms/macho/loader/sent_messages.h"
 
 namespace quillet::macho {
 
@@ -105,9 +106,12 @@ const void* moduleMethod(const void* object, Selector selector) {
 
 }  // namespace
 
-/// For quilletSendMessage: what `selector` sent to `object`, which is not nil, calls.
+/// For quilletSendMessage: what `selector` sent to `object` calls. Null for nil.
 extern "C" const void* quilletFindMethod(const void* object, Selector selector) {
-    if (const void* const code = moduleMethod(object, selector)) return code;
+    const void* const own = object == nullptr ? nullptr : moduleMethod(object, selector);
+    if (own != nullptr) return own;
+    countMessage(object, selector);
+    if (object == nullptr) return nullptr;
     const Receiver receiver = describe(object);
     for (const std::string& cls : receiver.classes) {
         if (const void* const code = platformMethod(receiver.sign, cls, selector)) return code;

@@ -2,7 +2,8 @@
 //
 // quilletSendMessage(receiver, selector, …): asks quilletFindMethod for the implementation and
 // jumps there with all the argument registers as they came. It does not know how many are in use,
-// nor what the answer will be, so a nil receiver answers 0 in every register that answers come in.
+// nor what the answer will be, so nil, which has none, answers 0 in every register that answers
+// come in.
 
         .text
         .globl  quilletSendMessage
@@ -12,7 +13,6 @@
 quilletSendMessage:
         .cfi_startproc
 
-        cbz     x0, 1f
         stp     x29, x30, [sp, #-0xE0]!
         .cfi_def_cfa_offset 0xE0
         .cfi_offset x29, -0xE0
@@ -42,6 +42,7 @@ quilletSendMessage:
         .cfi_def_cfa_offset 0
         .cfi_restore x29
         .cfi_restore x30
+        cbz     x16, 1f
         br      x16
 1:      mov     x0, #0
         mov     x1, #0

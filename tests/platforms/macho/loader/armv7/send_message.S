@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // quilletSendMessage(receiver, selector, …): asks quilletFindMethod for the implementation and
-// jumps there with all the argument registers as they came. Floating-point numbers travel in the
-// same registers. The module aligns the stack to words, Linux to two.
+// jumps there with all the argument registers as they came; nil has none, and answers 0.
+// Floating-point numbers travel in the same registers. The module aligns the stack to words, Linux
+// to two.
 
         .syntax unified
         .arm
@@ -14,8 +15,6 @@
 quilletSendMessage:
         .fnstart
         .cantunwind
-        cmp     r0, #0
-        beq     1f
         push    {r0-r3}
         push    {r4, lr}
         mov     r4, sp
@@ -25,8 +24,9 @@ quilletSendMessage:
         mov     sp, r4
         pop     {r4, lr}
         pop     {r0-r3}
-        bx      ip
-1:      mov     r0, #0
+        cmp     ip, #0
+        bxne    ip
+        mov     r0, #0
         mov     r1, #0
         bx      lr
         .fnend

@@ -2,7 +2,8 @@
 //
 // quilletSendMessage(receiver, selector, …): asks quilletFindMethod for the implementation and
 // jumps there with all the argument registers as they came. It does not know how many are in use,
-// nor what the answer will be, so a nil receiver answers 0 in every register that answers come in.
+// nor what the answer will be, so nil, which has none, answers 0 in every register that answers
+// come in.
 
         .text
         .globl  quilletSendMessage
@@ -12,8 +13,6 @@
 quilletSendMessage:
         .cfi_startproc
 
-        testq   %rdi, %rdi
-        jz      1f
         pushq   %rbp
         .cfi_def_cfa_offset 16
         .cfi_offset %rbp, -16
@@ -54,6 +53,8 @@ quilletSendMessage:
         movq    0xB0(%rsp), %rax
         leave
         .cfi_def_cfa %rsp, 8
+        testq   %r11, %r11
+        jz      1f
         jmp     *%r11
 1:      xorl    %eax, %eax
         xorl    %edx, %edx
