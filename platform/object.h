@@ -13,11 +13,15 @@ inline constexpr BOOL YES = 1;
 
 /// Says that a reference takes over a count, which somebody else has taken.
 struct Owned {};
+/// Says that a reference takes no count: somebody else keeps the object while it is used.
+struct Borrowed {};
 
-/// A counted reference to one of the platform's objects, or to none ("nil").
+/// A reference to one of the platform's objects, or to none ("nil").
 ///
-/// Copying retains the object, destruction releases it; a reference made by an `init…` function
-/// owns what was allocated, one made by any other function shares it. One machine word.
+/// One made by an `init…` function owns what was allocated: copying it retains the object,
+/// destruction releases it. One made by any other function shares the object, and a platform that
+/// keeps shared objects until the host's call returns need not count: no reference, nor a copy of
+/// it, is used after that call.
 ///
 /// The nil rule: any message may be sent to nil. It then does nothing, reaches nobody, and answers
 /// NO, 0, 0.0 or nil. Every message declared in this folder keeps the rule, so callers need not
@@ -29,7 +33,9 @@ public:
     constexpr Object() noexcept = default;
     /// Takes over one count of `instance`, the platform's own pointer, which may be null. It is how
     /// a platform makes references of every kind: derived classes inherit it.
-    Object(Owned, void* instance) noexcept : instance_{instance} {}
+    Object(Owned, void* instance) noexcept : instance_{instance}, owns_{true} {}
+    /// The same without a count.
+    Object(Borrowed, void* instance) noexcept : instance_{instance} {}
     Object(const Object& other) noexcept;
     Object& operator=(const Object& other) noexcept;
     ~Object();
@@ -51,11 +57,13 @@ public:
     /// not answer: the platform ends the process.
     float floatValue() const;
 
-    /// The platform's own pointer, still owned by this reference. Null for nil.
+    /// The platform's own pointer, valid as long as this reference. Null for nil.
     void* instance() const noexcept { return instance_; }
 
 private:
     void* instance_ = nullptr;
+    /// Whether a count of the object is this reference's.
+    bool owns_ = false;
 };
 
 /// A class object of the host or of a loaded bundle.

@@ -31,7 +31,8 @@ public:
     /// A new dictionary from the file at `path`, owned by the answer.
     static NSDictionary initWithContentsOfFile(NSString path);
 
-    /// The value for `key`, shared with the dictionary and outliving it; nil when it holds none.
+    /// The value for `key`, shared with the dictionary and valid while that holds it; nil when it
+    /// holds none.
     Object objectForKey(NSString key) const;
 };
 

@@ -5,17 +5,22 @@
 
 namespace quillet {
 
-Object::Object(const Object& other) noexcept : instance_{[object(other) retain]} {}
+Object::Object(const Object& other) noexcept : instance_{other.instance_}, owns_{other.owns_} {
+    if (owns_) [object(*this) retain];
+}
 
 Object& Object::operator=(const Object& other) noexcept {
     // Retained first: `other` may be this reference.
-    const id instance = [object(other) retain];
-    [object(*this) release];
-    instance_ = instance;
+    if (other.owns_) [object(other) retain];
+    if (owns_) [object(*this) release];
+    instance_ = other.instance_;
+    owns_ = other.owns_;
     return *this;
 }
 
-Object::~Object() { [object(*this) release]; }
+Object::~Object() {
+    if (owns_) [object(*this) release];
+}
 
 BOOL Object::respondsToSelector(const char* selector) const {
     return [object(*this) respondsToSelector:sel_registerName(selector)] != NO;
@@ -25,7 +30,7 @@ BOOL Object::boolValue() const { return [object(*this) boolValue] != NO; }
 
 float Object::floatValue() const { return [object(*this) floatValue]; }
 
-Class::Class(void* instance) noexcept : Object{Owned{}, [static_cast<id>(instance) retain]} {}
+Class::Class(void* instance) noexcept : Object{Borrowed{}, instance} {}
 
 void* NSObject::alloc(const Class& cls, size_t /*size*/) { return [object(cls) alloc]; }
 

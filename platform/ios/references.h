@@ -17,10 +17,11 @@ Reference owning(id object) {
     return Reference(Owned{}, object);
 }
 
-/// A reference to what any other message answers, with a count of its own.
+/// A reference to what any other message answers, which the pool of the host's call keeps, or
+/// whoever was asked.
 template <class Reference>
 Reference sharing(id object) {
-    return Reference(Owned{}, [object retain]);
+    return Reference(Borrowed{}, object);
 }
 
 }  // namespace quillet

@@ -5,10 +5,9 @@
 
 namespace quillet {
 
-NSString::NSString(const char* utf8)
-    : Object{Owned{}, [[::NSString stringWithUTF8String:utf8] retain]} {}
+NSString::NSString(const char* utf8) : Object{Borrowed{}, [::NSString stringWithUTF8String:utf8]} {}
 
 NSString::NSString(CFStringRef string) noexcept
-    : Object{Owned{}, [reinterpret_cast<id>(const_cast<CFString*>(string)) retain]} {}
+    : Object{Borrowed{}, const_cast<CFString*>(string)} {}
 
 }  // namespace quillet

@@ -29,19 +29,20 @@ Type read(const Object& receiver, const char* selector, Reading reading) {
 
 }  // namespace
 
-Object::Object(const Object& other) noexcept : instance_{other.instance_} {
-    send(*this, [](Instance& instance) { instance.retain(); });
+Object::Object(const Object& other) noexcept : instance_{other.instance_}, owns_{other.owns_} {
+    if (owns_) send(*this, [](Instance& instance) { instance.retain(); });
 }
 
 Object& Object::operator=(const Object& other) noexcept {
-    send(other, [](Instance& instance) { instance.retain(); });
-    send(*this, [](Instance& instance) { instance.release(); });
+    if (other.owns_) send(other, [](Instance& instance) { instance.retain(); });
+    if (owns_) send(*this, [](Instance& instance) { instance.release(); });
     instance_ = other.instance_;
+    owns_ = other.owns_;
     return *this;
 }
 
 Object::~Object() {
-    send(*this, [](Instance& instance) { instance.release(); });
+    if (owns_) send(*this, [](Instance& instance) { instance.release(); });
 }
 
 BOOL Object::respondsToSelector(const char* selector) const {

@@ -214,7 +214,7 @@ TEST(Armv7Module, CallsItsOwnFunctionsAndStubsOnly) {
     Places known = places(objdump("--function-starts"), "^(\\w{8})$");
     known.insert(stubs.begin(), stubs.end());
     const Places called = places(objdump("--disassemble"), "\tblx?(?:\\w\\w)?\t(0x\\w+)");
-    EXPECT_THAT(called, SizeIs(Ge(30U)));
+    EXPECT_THAT(called, SizeIs(Ge(25U)));
     EXPECT_THAT(called, IsSubsetOf(known));
 }
 

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/standin/runtime/instances.h"
 #include "tests/support/no_room.h"
 #include "tests/support/phone.h"
 
@@ -94,22 +93,6 @@ TEST_F(RingtoneVolume, WithoutAFileStartsFromAnEmptyDictionary) {
                 }));
     EXPECT_EQ(phone.dictionary(preferencesPath), (Dictionary{{"ringtone-volume", 0.5}}));
     EXPECT_EQ(phone.volume(), 0.0F);
-}
-
-TEST_F(RingtoneVolume, IsReleasedFromTheFilesDictionaryBeforeItIsZeroed) {
-    int live = 0;
-    std::vector<int> counts;
-    phone.write(preferencesPath, Dictionary{});
-    phone.device().trace.setSink([&](const standin::TraceRecord& record) {
-        live = standin::Instance::live();
-        if (record.operation == "defaultManager") counts.push_back(live);
-        if (record.operation == "setVolumeTo:forCategory:") counts.push_back(live);
-    });
-    turnOff();  // The platform's shared objects come to be.
-    counts.clear();
-    turnOff();
-    ASSERT_EQ(counts.size(), 2U);
-    EXPECT_EQ(counts[1], counts[0] + 1) << "only the string \"Ringtone\" is alive";
 }
 
 TEST_F(RingtoneVolume, ComesBackAsItWas) {

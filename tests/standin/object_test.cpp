@@ -86,6 +86,23 @@ TEST_F(References, AssigningNilGivesTheObjectUp) {
     EXPECT_EQ(more(), 1);
 }
 
+TEST_F(References, OneThatIsBorrowedCountsNothingNorDoItsCopies) {
+    auto owner = std::make_unique<NSString>("text");
+    NSString taken;
+    {
+        const NSString borrowed{Borrowed{}, owner->instance()};
+        NSString copy = borrowed;
+        taken = copy;
+        copy = *owner;
+        taken = borrowed;
+    }
+    EXPECT_EQ(more(), 1);
+    taken = *owner;
+    owner.reset();
+    EXPECT_EQ(more(), 1) << "a copy of an owner owns";
+    EXPECT_EQ(standin::text(taken), "text");
+}
+
 TEST_F(References, APlainPointerIsTheSameObjectAndMayBeSharedAgain) {
     NSString again;
     {

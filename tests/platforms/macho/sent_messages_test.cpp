@@ -18,6 +18,7 @@ namespace {
 
 using standin::Dictionary;
 using standin::HostVariant;
+using ::testing::ElementsAre;
 
 /// How many messages a flip takes: those that the bundle asks for, and those beyond.
 struct Messages {
@@ -90,17 +91,17 @@ Messages flip(FSSwitchState state, const Dictionary& preferences, const char* ma
 // In the order of the fields of Messages.
 
 TEST(SentMessages, OfAFlipThatLeavesVibrationToTheSystem) {
-    EXPECT_EQ(flip(FSSwitchStateOff, systemsVibration, iPhone), (Messages{13, 4, 15, 15, 0, 1, 2}));
-    EXPECT_EQ(flip(FSSwitchStateOn, systemsVibration, iPhone), (Messages{13, 4, 15, 15, 0, 1, 2}));
-    EXPECT_EQ(flip(FSSwitchStateOff, systemsVibration, iPod), (Messages{23, 10, 26, 27, 1, 1, 2}));
-    EXPECT_EQ(flip(FSSwitchStateOn, systemsVibration, iPod), (Messages{18, 7, 19, 20, 1, 1, 5}));
+    EXPECT_EQ(flip(FSSwitchStateOff, systemsVibration, iPhone), (Messages{13, 4, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(flip(FSSwitchStateOn, systemsVibration, iPhone), (Messages{13, 4, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(flip(FSSwitchStateOff, systemsVibration, iPod), (Messages{23, 10, 0, 1, 1, 1, 0}));
+    EXPECT_EQ(flip(FSSwitchStateOn, systemsVibration, iPod), (Messages{18, 7, 0, 1, 1, 1, 1}));
 }
 
 TEST(SentMessages, OfAFlipWithItsOwnVibration) {
-    EXPECT_EQ(flip(FSSwitchStateOff, ownVibration, iPhone), (Messages{39, 24, 53, 53, 0, 1, 2}));
-    EXPECT_EQ(flip(FSSwitchStateOn, ownVibration, iPhone), (Messages{39, 24, 53, 53, 0, 1, 2}));
-    EXPECT_EQ(flip(FSSwitchStateOff, ownVibration, iPod), (Messages{49, 30, 64, 65, 1, 1, 2}));
-    EXPECT_EQ(flip(FSSwitchStateOn, ownVibration, iPod), (Messages{44, 27, 57, 58, 1, 1, 5}));
+    EXPECT_EQ(flip(FSSwitchStateOff, ownVibration, iPhone), (Messages{39, 24, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(flip(FSSwitchStateOn, ownVibration, iPhone), (Messages{39, 24, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(flip(FSSwitchStateOff, ownVibration, iPod), (Messages{49, 30, 0, 1, 1, 1, 0}));
+    EXPECT_EQ(flip(FSSwitchStateOn, ownVibration, iPod), (Messages{44, 27, 0, 1, 1, 1, 1}));
 }
 
 TEST(SentMessages, OfAFlipInOtherHosts) {
@@ -109,11 +110,10 @@ TEST(SentMessages, OfAFlipInOtherHosts) {
     const auto flipIn = [](const HostVariant& host) {
         return flip(FSSwitchStateOn, systemsVibration, iPhone, host);
     };
-    EXPECT_EQ(flipIn({Indicator::class_, Media::instance}), (Messages{13, 4, 15, 15, 0, 1, 2}));
-    EXPECT_EQ(flipIn({Indicator::deaf, Media::deaf}), (Messages{11, 4, 14, 14, 0, 1, 2}));
-    EXPECT_EQ(flipIn({Indicator::noInstance, Media::noInstance}),
-              (Messages{10, 4, 12, 12, 0, 1, 7}));
-    EXPECT_EQ(flipIn({Indicator::absent, Media::absent}), (Messages{7, 4, 10, 10, 0, 1, 14}));
+    EXPECT_EQ(flipIn({Indicator::class_, Media::instance}), (Messages{13, 4, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(flipIn({Indicator::deaf, Media::deaf}), (Messages{11, 4, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(flipIn({Indicator::noInstance, Media::noInstance}), (Messages{10, 4, 0, 0, 0, 1, 1}));
+    EXPECT_EQ(flipIn({Indicator::absent, Media::absent}), (Messages{7, 4, 0, 0, 0, 1, 4}));
 }
 
 TEST(SentMessages, OfAFlipWithoutAPreferencesFile) {
@@ -121,9 +121,9 @@ TEST(SentMessages, OfAFlipWithoutAPreferencesFile) {
         Phone phone{{.machine = machine}};
         return messagesOf(phone, [&] { phone.apply(state); });
     };
-    EXPECT_EQ(flipOn(iPhone, FSSwitchStateOff), (Messages{11, 4, 13, 13, 0, 1, 7}));
-    EXPECT_EQ(flipOn(iPod, FSSwitchStateOff), (Messages{21, 9, 23, 24, 1, 1, 7}));
-    EXPECT_EQ(flipOn(iPod, FSSwitchStateOn), (Messages{15, 6, 16, 16, 1, 1, 8}));
+    EXPECT_EQ(flipOn(iPhone, FSSwitchStateOff), (Messages{11, 4, 0, 0, 0, 1, 1}));
+    EXPECT_EQ(flipOn(iPod, FSSwitchStateOff), (Messages{21, 9, 0, 1, 1, 1, 1}));
+    EXPECT_EQ(flipOn(iPod, FSSwitchStateOn), (Messages{15, 6, 0, 0, 1, 1, 2}));
 }
 
 TEST(SentMessages, OfAFlipWithoutSpringBoardsSettings) {
@@ -131,19 +131,33 @@ TEST(SentMessages, OfAFlipWithoutSpringBoardsSettings) {
     phone.write(preferencesPath, ownVibration);
     phone.remove(springBoardPreferencesPath);
     EXPECT_EQ(messagesOf(phone, [&] { phone.apply(FSSwitchStateOff); }),
-              (Messages{29, 24, 49, 49, 0, 1, 18}));
+              (Messages{29, 24, 0, 0, 0, 1, 8}));
 }
 
 TEST(SentMessages, OfAStateThatIsNone) {
     EXPECT_EQ(flip(FSSwitchStateIndeterminate, ownVibration, iPod),
-              (Messages{0, 0, 0, 0, 0, 0, 1}));
+              (Messages{0, 0, 0, 0, 0, 0, 0}));
+}
+
+TEST(SentMessages, ReleaseTheFilesDictionaryBeforeTheVolumeIsZeroed) {
+    Phone phone{{.machine = iPod}};
+    macho::SentMessages sent;
+    std::vector<int> releases;
+    phone.device().trace.setSink([&](const standin::TraceRecord& record) {
+        if (record.operation == "writeToFile:atomically:" ||
+            record.operation == "setVolumeTo:forCategory:") {
+            releases.push_back(sent.counts["release"]);
+        }
+    });
+    phone.exported<void()>("turnRingerVolumeOff")();
+    EXPECT_THAT(releases, ElementsAre(0, 1));
 }
 
 TEST(SentMessages, OfARefreshAndAQuestion) {
     Phone phone;
     EXPECT_EQ(messagesOf(phone, [&] { phone.post(ringerStateName); }),
-              (Messages{4, 0, 4, 4, 0, 1, 1}));
-    EXPECT_EQ(messagesOf(phone, [&] { phone.state(); }), (Messages{0, 0, 0, 0, 0, 0, 1}));
+              (Messages{4, 0, 0, 0, 0, 1, 0}));
+    EXPECT_EQ(messagesOf(phone, [&] { phone.state(); }), (Messages{0, 0, 0, 0, 0, 0, 0}));
 }
 
 }  // namespace
