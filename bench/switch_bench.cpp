@@ -4,12 +4,13 @@
 //
 //     switch-bench load MODULE N           opens a shared object and closes it again
 //     switch-bench flip BUNDLE SETTINGS N  flips, without the waits
-//     switch-bench rewrite SETTINGS N      rewrites the settings' file twice, and nothing else
 //     switch-bench wait BUNDLE N           flips, with the waits
 //
 // Prints the median, the least and the first of N durations in nanoseconds. Flips vibrate by the
 // switch's own means. The phone is made below TMPDIR, with the file SETTINGS for SpringBoard's
-// settings. "load" says on a second line whether the object is gone when it is closed.
+// settings. "load" says on a second line whether the object is gone when it is closed. "flip" takes
+// turns with its floors: the second line is of two rewrites of the settings, the third of these and
+// of one of the hardware's state, which are all the files that a flip replaces.
 #include <dlfcn.h>
 
 #include <cstdio>
@@ -28,6 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char settingsPath[] = "/var/mobile/Library/Preferences/com.apple.springboard.plist";
+constexpr char hardwarePath[] = "/var/db/hardware.plist";
 constexpr char preferencesPath[] = "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist";
 
 standin::DeviceOptions phoneIn(const Folder& folder, standin::Clock::Kind clock) {
@@ -51,51 +53,74 @@ void measureLoad(const std::string& module, int times) {
     std::puts(left == nullptr ? "unloaded" : "still loaded");
 }
 
-void measureFlip(const std::string& bundle, const std::string& settings, int times,
-                 standin::Clock::Kind clock) {
-    const Folder folder;
-    standin::Device device{phoneIn(folder, clock)};
-    if (!settings.empty()) {
-        const fs::path place = device.below(settingsPath);
-        fs::create_directories(place.parent_path());
-        fs::copy_file(settings, place, fs::copy_options::overwrite_existing);
-    }
-    const std::string identifier = device.framework.load(bundle);
-    standin::FSSwitchDataSource& flipped = *device.framework.dataSource(identifier);
-    const NSString name = standin::makeString(identifier);
-    print(measure(times, 1, [&] {
-        flipped.applyActionForSwitchIdentifier(name);
+/// A phone with the bundle in its SpringBoard.
+class Flipper {
+public:
+    Flipper(const standin::DeviceOptions& options, const std::string& bundle)
+        : device{options}, identifier_{device.framework.load(bundle)} {}
+
+    void flip() {
+        device.framework.dataSource(identifier_)->applyActionForSwitchIdentifier(name_);
         device.eventLoop.turn();
-    }));
+    }
+
+    standin::Device device;
+
+private:
+    std::string identifier_;
+    NSString name_ = standin::makeString(identifier_);
+};
+
+/// Replaces the file by one that holds the same, as all files of a phone are replaced.
+void rewrite(const fs::path& file) {
+    const auto bytes = standin::readFile(file);
+    if (!bytes || !standin::writeFileAtomically(file, *bytes)) {
+        throw std::runtime_error("a file cannot be written");
+    }
 }
 
-void measureRewrite(const std::string& settings, int times) {
+/// What a disk takes varies from one second to the next, so all three are measured in each round.
+void measureFlip(const std::string& bundle, const std::string& settings, int times) {
     const Folder folder;
-    const fs::path place = folder.path() / "settings.plist";
-    fs::copy_file(settings, place);
-    print(measure(times, 1, [&] {
-        for (int i = 0; i < 2; ++i) {
-            const auto bytes = standin::readFile(place);
-            if (!bytes || !standin::writeFileAtomically(place, *bytes)) {
-                throw std::runtime_error("the settings cannot be written");
-            }
-        }
-    }));
+    Flipper flipper{phoneIn(folder, standin::Clock::Kind::virtualTime), bundle};
+    constexpr auto inPlace = fs::copy_options::overwrite_existing;
+    fs::create_directories(flipper.device.below(settingsPath).parent_path());
+    fs::copy_file(settings, flipper.device.below(settingsPath), inPlace);
+    const fs::path copy = folder.path() / "settings.plist";
+    fs::copy_file(settings, copy);
+    const fs::path hardware = folder.path() / "hardware.plist";
+    fs::copy_file(flipper.device.below(hardwarePath), hardware);
+
+    const auto rewriteSettings = [&] {
+        rewrite(copy);
+        rewrite(copy);
+    };
+    const auto rewriteAll = [&] {
+        rewriteSettings();
+        rewrite(hardware);
+    };
+    Durations flips, two, three;
+    for (int i = 0; i < times; ++i) {
+        flips.push_back(measure(1, 1, [&] { flipper.flip(); }).at(0));
+        two.push_back(measure(1, 1, rewriteSettings).at(0));
+        three.push_back(measure(1, 1, rewriteAll).at(0));
+    }
+    for (const Durations& durations : {flips, two, three}) print(durations);
+}
+
+void measureWait(const std::string& bundle, int times) {
+    const Folder folder;
+    Flipper flipper{phoneIn(folder, standin::Clock::Kind::real), bundle};
+    print(measure(times, 1, [&] { flipper.flip(); }));
 }
 
 void work(const Words& words) {
     const std::string command = wordAt(words, 0);
     const auto times = [&](std::size_t index) { return std::stoi(wordAt(words, index)); };
     if (command == "load") return measureLoad(wordAt(words, 1), times(2));
-    if (command == "rewrite") return measureRewrite(wordAt(words, 1), times(2));
-    if (command == "wait") {
-        return measureFlip(wordAt(words, 1), "", times(2), standin::Clock::Kind::real);
-    }
-    if (command == "flip") {
-        return measureFlip(wordAt(words, 1), wordAt(words, 2), times(3),
-                           standin::Clock::Kind::virtualTime);
-    }
-    throw std::runtime_error("load, flip, rewrite or wait");
+    if (command == "flip") return measureFlip(wordAt(words, 1), wordAt(words, 2), times(3));
+    if (command == "wait") return measureWait(wordAt(words, 1), times(2));
+    throw std::runtime_error("load, flip or wait");
 }
 
 }  // namespace
