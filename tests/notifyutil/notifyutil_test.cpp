@@ -17,7 +17,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 
-constexpr char ringerState[] = "com.apple.springboard.ringerstate";
 const std::string tooLongName(240, 'n');
 
 /// Runs `notifyutil` as a user does, beside `springboard`.
@@ -88,7 +87,7 @@ private:
 };
 
 TEST_F(NotifyUtil, PrintsTheStateOfANameAndSetsIt) {
-    expectPrinted({"-g", ringerState}, std::string{ringerState} + " 1\n");
+    expectPrinted({"-g", ringerStateName}, std::string{ringerStateName} + " 1\n");
     expectPrinted({"-g", "a.name", "-s", "a.name", "7", "-g", "a.name"}, "a.name 0\na.name 7\n");
     expectPrinted({"-s", "a.name", "18446744073709551615"}, "");
     expectPrinted({"-g", "a.name"}, "a.name 18446744073709551615\n");
@@ -96,8 +95,8 @@ TEST_F(NotifyUtil, PrintsTheStateOfANameAndSetsIt) {
 
 TEST_F(NotifyUtil, SeesWhatOthersDoAndIsSeenByThem) {
     expectOutput({"flip", "off"}, "off\n");
-    expectPrinted({"-g", ringerState}, std::string{ringerState} + " 0\n");
-    expectPrinted({"-s", ringerState, "1"}, "");
+    expectPrinted({"-g", ringerStateName}, std::string{ringerStateName} + " 0\n");
+    expectPrinted({"-s", ringerStateName, "1"}, "");
     expectOutput({"state"}, "on\n");
 }
 
@@ -139,11 +138,11 @@ TEST_F(NotifyUtil, TellsAFailureAndGoesOn) {
 }
 
 TEST_F(NotifyUtil, ReportsFlipsToWhoeverWaitsUntilInterrupted) {
-    beginToWait({"-w", ringerState});
+    beginToWait({"-w", ringerStateName});
     expectOutput({"flip"}, "off\n");
-    EXPECT_THAT(reported(1), ElementsAre(ringerState));
+    EXPECT_THAT(reported(1), ElementsAre(ringerStateName));
     expectOutput({"flip"}, "on\n");
-    EXPECT_THAT(reported(2), ElementsAre(ringerState, ringerState));
+    EXPECT_THAT(reported(2), ElementsAre(ringerStateName, ringerStateName));
     EXPECT_EQ(endWaiting(SIGINT), -SIGINT);
 }
 
@@ -204,7 +203,7 @@ TEST_F(NotifyUtil, RefusesWhatMeansNothing) {
 }
 
 TEST_F(NotifyUtil, ChecksAllWordsBeforeItDoesAnything) {
-    expectRefused({"-s", ringerState, "0", "-p"}, "option \"-p\" needs an argument");
+    expectRefused({"-s", ringerStateName, "0", "-p"}, "option \"-p\" needs an argument");
     expectOutput({"state"}, "on\n");
 }
 
@@ -243,8 +242,10 @@ TEST_F(NotifyUtil, FailsWhenItsLinesCannotBeWritten) {
         EXPECT_EQ(outcome.errors, "notifyutil: standard output cannot be written\n");
     }
     const std::string before = bytes("/var/run/notifications");
-    const Outcome outcome = notifyBare(
-        {.words = {"--root", root(), "-g", ringerState}, .output = {}, .errors = {}, .closed = 1});
+    const Outcome outcome = notifyBare({.words = {"--root", root(), "-g", ringerStateName},
+                                        .output = {},
+                                        .errors = {},
+                                        .closed = 1});
     EXPECT_EQ(outcome.status, 1) << "standard output is closed";
     EXPECT_EQ(bytes("/var/run/notifications"), before);
 }

@@ -21,6 +21,7 @@
 #include "platform/notify.h"
 #include "springboard/host_process.h"
 #include "tests/springboard/springboard.h"
+#include "tests/support/stride.h"
 #include "tests/support/traced.h"
 
 namespace quillet::test {
@@ -32,10 +33,6 @@ using ::testing::Contains;
 using ::testing::Each;
 using ::testing::Gt;
 using ::testing::SizeIs;
-
-/// How far apart the system calls are at which something happens: at each, but at fewer where a
-/// sanitizer has each flip take long.
-constexpr std::size_t stride = QUILLET_STRIDE;
 
 constexpr int endings[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM, SIGXFSZ};
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/standin/plist/value.h"
+#include "tests/support/names.h"
 #include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
 
@@ -41,10 +42,5 @@ protected:
 private:
     TemporaryFolder folder_;
 };
-
-inline constexpr char preferencesPath[] =
-    "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist";
-inline constexpr char springBoardPreferencesPath[] =
-    "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 
 }  // namespace quillet::test

@@ -11,13 +11,9 @@
 #include "platform/standin/runtime/data_source.h"
 #include "prefs/prefs_loader.h"
 #include "tests/support/machine.h"
+#include "tests/support/names.h"
 
 namespace quillet::test {
-
-inline constexpr char switchIdentifier[] = "com.velk.switch.ringer";
-inline constexpr char ringerStateName[] = "com.apple.springboard.ringerstate";
-inline constexpr char springBoardPreferencesPath[] =
-    "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 
 /// A machine with the bundle under test loaded into its SpringBoard, and nothing in the bundle's
 /// preferences file, which is absent. Its log begins with what the bundle called as it was loaded.

@@ -20,6 +20,7 @@
 #include "platform/standin/notifications/notification_table.h"
 #include "platform/standin/plist/property_list.h"
 #include "tests/support/child.h"
+#include "tests/support/names.h"
 #include "tests/support/no_room.h"
 #include "tests/support/supervisor.h"
 #include "tests/support/temporary_folder.h"
@@ -34,8 +35,6 @@ using standin::Dictionary;
 using standin::NotificationTable;
 using standin::Value;
 
-constexpr char preferences[] = "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist";
-constexpr char springBoard[] = "/var/mobile/Library/Preferences/com.apple.springboard.plist";
 constexpr char graphicsServices[] =
     "/System/Library/PrivateFrameworks/GraphicsServices.framework/GraphicsServices";
 
@@ -52,7 +51,7 @@ std::map<std::string, std::string> contents(const fs::path& folder) {
 /// The device at `path`, a new phone with the switch's preferences if there was nothing.
 DeviceRoot deviceAt(const fs::path& path) {
     return DeviceRoot{
-        standin::makeNewPhone(path, {{preferences, {{"vibrate-when-off", true}}}}).path};
+        standin::makeNewPhone(path, {{preferencesPath, {{"vibrate-when-off", true}}}}).path};
 }
 
 class NewPhone : public testing::Test {
@@ -82,8 +81,8 @@ Value valueIn(const fs::path& file) {
 
 void expectNewPhone(const fs::path& root) {
     const DeviceRoot device = deviceAt(root);
-    EXPECT_EQ(valueIn(device.below(preferences)), (Dictionary{{"vibrate-when-off", true}}));
-    EXPECT_EQ(valueIn(device.below(springBoard)),
+    EXPECT_EQ(valueIn(device.below(preferencesPath)), (Dictionary{{"vibrate-when-off", true}}));
+    EXPECT_EQ(valueIn(device.below(springBoardPreferencesPath)),
               (Dictionary{
                   {"SBLockScreenClock", true}, {"ring-vibrate", true}, {"silent-vibrate", true}}));
     EXPECT_TRUE(fs::is_regular_file(device.below(graphicsServices)));
@@ -102,7 +101,7 @@ TEST_F(NewPhone, AnAbsentFolderIsMadeWithItsParentsAndANewPhonesFiles) {
 
 TEST_F(NewPhone, HoldsNothingForThoseWhoHandNothingOver) {
     standin::makeNewPhone(path(), {});
-    EXPECT_FALSE(fs::exists(DeviceRoot{path()}.below(preferences)));
+    EXPECT_FALSE(fs::exists(DeviceRoot{path()}.below(preferencesPath)));
 }
 
 TEST_F(NewPhone, AnEmptyFolderIsFilled) {
@@ -119,7 +118,7 @@ TEST_F(NewPhone, NothingIsLeftBesideTheRootAndOthersMayReadIt) {
 
 TEST_F(NewPhone, ADeviceIsTakenAsItIs) {
     deviceAt(path());
-    fs::remove(deviceAt(path()).below(preferences));
+    fs::remove(deviceAt(path()).below(preferencesPath));
     fs::remove(deviceAt(path()).below(graphicsServices));
     write(path() / "more", "a file of the user's");
     const auto before = contents(folder());
@@ -246,7 +245,7 @@ TEST_F(NewPhone, AnEmptyMountPointIsNoRootAndSaysSo) {
 TEST_F(NewPhone, IsWhatAnErasedDeviceBecomesWithItsModel) {
     write(deviceAt(path()).below("/var/mobile/letter.txt"), "a file of the user's");
     fs::remove(path() / "var/run/notifications");
-    standin::eraseDevice(path(), {{preferences, {{"vibrate-when-off", true}}}}, {"iPod5,1"});
+    standin::eraseDevice(path(), {{preferencesPath, {{"vibrate-when-off", true}}}}, {"iPod5,1"});
     EXPECT_FALSE(fs::exists(path() / "var/mobile/letter.txt"));
     EXPECT_EQ(standin::readFacts(path() / "var/db/device.plist").machine, "iPod5,1");
     expectNewPhone(path());

@@ -13,6 +13,7 @@
 
 #include "platform/standin/notifications/notification_table.h"
 #include "tests/support/program.h"
+#include "tests/support/stride.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
@@ -31,10 +32,6 @@ constexpr std::size_t nameAt = 17;
 
 constexpr std::array names = {"a.name", "b", "another.name"};
 constexpr std::size_t freeAt = entrySize * (1 + names.size());
-
-/// How far apart the places and the values are that are tried: all of them, but fewer where a
-/// sanitizer has each take long.
-constexpr int stride = QUILLET_STRIDE;
 
 /// The file of a table with three names, the first of which has a word.
 class DamagedTable : public testing::Test {
@@ -71,8 +68,8 @@ protected:
     /// For each place from `begin` to `end`.
     void expectAnyOtherByteRefused(std::size_t begin, std::size_t end) const {
         for (std::size_t at = begin; at < end; ++at) {
-            for (int change = 1; change < 256; change += stride) {
-                put(at, static_cast<char>(sound()[at] + change));
+            for (std::size_t change = 1; change < 256; change += stride) {
+                put(at, static_cast<char>(sound()[at] + static_cast<int>(change)));
                 ASSERT_NE(refusal(), "") << at << ' ' << change;
             }
             put(at, sound()[at]);
