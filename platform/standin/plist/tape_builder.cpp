@@ -2,6 +2,8 @@
 #include "platform/standin/plist/tape_builder.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
@@ -9,6 +11,22 @@ namespace quillet::standin {
 namespace {
 
 bool areSame(const Node* a, const Node* b) { return a->text() == b->text(); }
+
+/// As many keys are compared each with each sooner than sorted.
+constexpr std::size_t fewKeys = 16;
+
+/// Whether no key stands twice in a dictionary of few keys.
+bool areFewDifferent(const Node& dictionary) {
+    if (dictionary.count > fewKeys) return false;
+    std::array<const Node*, fewKeys> keys;
+    auto* end = keys.begin();
+    for (const Node* key = &dictionary + 1; key != dictionary.next(); key = (key + 1)->next()) {
+        const auto isThis = [key](const Node* other) { return areSame(other, key); };
+        if (std::any_of(keys.begin(), end, isThis)) return false;
+        *end++ = key;
+    }
+    return true;
+}
 
 /// A key's first entry, and the one whose value counts.
 struct Member {
@@ -40,6 +58,7 @@ constexpr std::size_t movesAllowed = 1000000;
 }  // namespace
 
 bool settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts) {
+    if (areFewDifferent(nodes[place])) return false;
     const auto keys = sortedKeys(nodes[place]);
     if (std::adjacent_find(keys.begin(), keys.end(), areSame) == keys.end()) return false;
     const auto members = membersOf(keys, counts);
@@ -57,18 +76,10 @@ bool settleDuplicates(std::vector<Node>& nodes, std::size_t place, Counts counts
 }
 
 TapeBuilder::TapeBuilder(std::vector<Node>& nodes, Counts counts)
-    : nodes_{&nodes}, counts_{counts}, levels_(1) {}
-
-bool TapeBuilder::addKey(const Node& key) {
-    Level& level = levels_.back();
-    if (level.enclosure != Enclosure::dictionary) return refuse("a key outside a dictionary");
-    if (level.acceptsValue) return refuse(keyWithoutValue);
-    const std::string_view text = key.text();
-    level.keysAscend = level.keysAscend && (level.count == 0 || level.lastKey < text);
-    level.lastKey = text;
-    level.acceptsValue = true;
-    nodes_->push_back(key);
-    return true;
+    : nodes_{&nodes}, counts_{counts} {
+    constexpr std::size_t usualDepth = 8;
+    levels_.reserve(usualDepth);
+    levels_.emplace_back();
 }
 
 /// The one around a whole file counts as no depth.
@@ -106,6 +117,11 @@ bool TapeBuilder::close(Enclosure enclosure) {
 bool TapeBuilder::refuse(const char* reason) {
     refusal_ = reason;
     return false;
+}
+
+bool TapeBuilder::refuseKey(Enclosure enclosure) {
+    return refuse(enclosure == Enclosure::dictionary ? keyWithoutValue
+                                                     : "a key outside a dictionary");
 }
 
 bool TapeBuilder::refuseValue(Enclosure enclosure) {

@@ -37,7 +37,18 @@ public:
         nodes_->push_back(value);
         return true;
     }
-    bool addKey(const Node& key);
+    bool addKey(const Node& key) {
+        Level& level = levels_.back();
+        const bool isDictionary = level.enclosure == Enclosure::dictionary;
+        if (!isDictionary || level.acceptsValue) return refuseKey(level.enclosure);
+        if (level.keysAscend) {
+            level.keysAscend = level.count == 0 || level.lastKey < key.text();
+            level.lastKey = key.text();
+        }
+        level.acceptsValue = true;
+        nodes_->push_back(key);
+        return true;
+    }
     bool open(Enclosure enclosure);
     bool close(Enclosure enclosure);
 
@@ -66,6 +77,7 @@ private:
         return true;
     }
     bool refuse(const char* reason);
+    bool refuseKey(Enclosure enclosure);
     bool refuseValue(Enclosure enclosure);
     bool finish(const Level& level);
     bool isOutermostWrapper(Enclosure enclosure) const;

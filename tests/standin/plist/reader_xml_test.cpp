@@ -351,6 +351,22 @@ TEST(XMLPropertyList, OfSeveralEntriesWithOneKeyTheLastCounts) {
     EXPECT_EQ(std::get<Dictionary>(*value).entries(), expected);
 }
 
+TEST(XMLPropertyList, AKeyThatStandsTwiceIsFoundAmongFewAndAmongMany) {
+    for (const int count : {2, 15, 16, 17, 40}) {
+        std::string entries;
+        for (int i = count; i > 1; --i) {
+            entries += "<key>" + std::to_string(i) + "</key><false/>";
+        }
+        const auto once = readXMLPropertyList("<dict>" + entries + "</dict>");
+        const auto twice = readXMLPropertyList("<dict>" + entries + "<key>2</key><true/></dict>");
+        ASSERT_TRUE(once && twice) << count;
+        Dictionary expected = std::get<Dictionary>(*once);
+        EXPECT_EQ(expected.size(), static_cast<std::size_t>(count - 1));
+        expected.set("2", true);
+        EXPECT_EQ(*twice, Value{expected}) << count;
+    }
+}
+
 TEST(XMLPropertyList, ContainersNestAsDeepAsTheLimitAndNoDeeper) {
     EXPECT_TRUE(readXMLPropertyList(nested("<array>", "</array>", maxDepth)));
     EXPECT_TRUE(
