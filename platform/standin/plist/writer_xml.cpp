@@ -10,17 +10,14 @@
 #include <vector>
 
 #include "platform/standin/plist/plain_text.h"
+#include "platform/standin/plist/xml_prolog.h"
 #include "platform/standin/plist/xml_sinks.h"
 
 namespace quillet::standin {
 namespace {
 
-constexpr std::string_view prolog =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-    "<plist version=\"1.0\">\n";
-constexpr std::string_view epilog = "</plist>\n";
+constexpr std::string_view start = "<plist version=\"1.0\">\n";
+constexpr std::string_view end = "</plist>\n";
 
 /// A line of data: 68 characters, which stand for 51 bytes.
 constexpr std::size_t bytesInLine = 51;
@@ -57,19 +54,15 @@ public:
     explicit Writer(Sink& sink) : sink_{sink} {}
 
     void write(const Node& root) {
-        sink_.put(prolog);
-        const Node* node = putValue(&root);
-        while (!open_.empty() && !sink_.isFull()) {
-            if (node == open_.back().end) {
-                close();
-            } else if (open_.back().isDictionary) {
-                putKey(*node);
-                node = putValue(node + 1);
-            } else {
-                node = putValue(node);
-            }
-        }
-        sink_.put(epilog);
+        sink_.put(xmlProlog);
+        sink_.put(start);
+        const Node* node = &root;
+        do {
+            if (!open_.empty() && open_.back().isDictionary) putKey(*node++);
+            node = putValue(node);
+            while (!open_.empty() && node == open_.back().end) close();
+        } while (!open_.empty() && !sink_.isFull());
+        sink_.put(end);
     }
 
 private:
@@ -204,13 +197,21 @@ private:
     std::vector<Level> open_;
 };
 
+/// Bytes, or more than the limit.
+template <class Sink>
+std::size_t sizeOf(const Node& root, std::size_t limit) {
+    Sink measure{limit};
+    Writer{measure}.write(root);
+    return measure.size();
+}
+
 }  // namespace
 
 std::optional<std::string> writeXML(const Node& root, std::size_t limit) {
-    Measure measure{limit};
-    Writer{measure}.write(root);
-    if (measure.isFull()) return std::nullopt;
-    std::string text(measure.size() + tabs.size(), '\0');
+    std::size_t size = sizeOf<Measure>(root, limit);
+    if (size > limit) size = sizeOf<ExactMeasure>(root, limit);
+    if (size > limit) return std::nullopt;
+    std::string text(size + tabs.size(), '\0');
     Pen pen{text.data()};
     Writer{pen}.write(root);
     text.resize(static_cast<std::size_t>(pen.next() - text.data()));

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
+#include <bit>
 #include <charconv>
+#include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -17,7 +21,8 @@ inline constexpr std::string_view tabs = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
 /// The longest number in decimals, in bytes: a double's 17 digits, point, sign and exponent.
 inline constexpr std::size_t maxNumberSize = 24;
 
-/// What measures: the sink that only counts, numbers and dates as long as they can be.
+/// What measures: the sink that only counts, numbers and dates as long as they can be. An integer's
+/// digits stand for more than three bits each.
 class Measure {
 public:
     explicit Measure(std::size_t limit) : limit_{limit} {}
@@ -25,10 +30,12 @@ public:
     void put(std::string_view text) { size_ += text.size(); }
     void put(char /*c*/) { ++size_; }
     void putTabs(std::size_t count) { size_ += count; }
-    template <class Number>
-    void putNumber(Number /*number*/) {
-        size_ += maxNumberSize;
+    void putNumber(std::integral auto number) {
+        constexpr std::size_t signAndLast = 2;
+        const auto bits = std::bit_width(static_cast<std::uint64_t>(number));
+        size_ += signAndLast + static_cast<std::size_t>(bits) / 3;
     }
+    void putNumber(double /*number*/) { size_ += maxNumberSize; }
     void putDate(Date /*date*/) { size_ += maxDateSize; }
     void putBase64(std::string_view bytes) { size_ += base64Size(bytes.size()); }
 
@@ -38,6 +45,22 @@ public:
 private:
     std::size_t limit_;
     std::size_t size_ = 0;
+};
+
+/// The same to the byte, which takes as long as writing.
+class ExactMeasure : public Measure {
+public:
+    using Measure::Measure;
+
+    template <class Number>
+    void putNumber(Number number) {
+        std::array<char, maxNumberSize> digits;
+        put({digits.begin(), std::to_chars(digits.begin(), digits.end(), number).ptr});
+    }
+    void putDate(Date date) {
+        std::array<char, maxDateSize> text;
+        put({text.begin(), formatDate(text.begin(), date)});
+    }
 };
 
 /// What writes, to where there is room for all that a measure has counted, and for tabs.

@@ -25,15 +25,15 @@ namespace {
 struct FreeNode {
     void operator()(void* node) const { plist_free(node); }
 };
-using Node = std::unique_ptr<void, FreeNode>;
+using OwnedNode = std::unique_ptr<void, FreeNode>;
 
-Node nodeFrom(const std::string& bytes) {
+OwnedNode nodeFrom(const std::string& bytes) {
     plist_t node = nullptr;
     plist_from_memory(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &node);
-    return Node{node};
+    return OwnedNode{node};
 }
 
-std::string binaryOf(const Node& node) {
+std::string binaryOf(const OwnedNode& node) {
     char* bytes = nullptr;
     std::uint32_t size = 0;
     plist_to_bin(node.get(), &bytes, &size);
@@ -42,7 +42,7 @@ std::string binaryOf(const Node& node) {
     return copy;
 }
 
-std::string xmlOf(const Node& node) {
+std::string xmlOf(const OwnedNode& node) {
     char* bytes = nullptr;
     std::uint32_t size = 0;
     plist_to_xml(node.get(), &bytes, &size);
@@ -199,13 +199,13 @@ TEST(PropertyListOracle, ReadsWhatWeWriteAndWritesWhatWeRead) {
     for (std::uint64_t seed = 0; seed < 2000; ++seed) {
         const Value value = Inventor{seed}.dictionary(4);
         const std::string text = writePropertyList(value);
-        const Node node = nodeFrom(text);
+        const OwnedNode node = nodeFrom(text);
         ASSERT_TRUE(node) << text;
         EXPECT_TRUE(std::visit(Matches{node.get()}, value)) << text;
         EXPECT_EQ(readPropertyList(xmlOf(node)), value) << text;
         EXPECT_EQ(readPropertyList(binaryOf(node)), value) << text;
         const std::string binary = writePropertyList(value, Form::binary);
-        const Node nodeOfBinary = nodeFrom(binary);
+        const OwnedNode nodeOfBinary = nodeFrom(binary);
         ASSERT_TRUE(nodeOfBinary) << text;
         EXPECT_TRUE(std::visit(Matches{nodeOfBinary.get()}, value)) << text;
         EXPECT_EQ(readPropertyList(binary), value) << text;
@@ -215,7 +215,7 @@ TEST(PropertyListOracle, ReadsWhatWeWriteAndWritesWhatWeRead) {
 TEST(PropertyListOracle, EarlyDatesAgreeInTheBinaryForm) {
     for (const double seconds : {-63113904000.0, -50000000000.0, -31589136001.0}) {
         const Value value = Dictionary{{"date", Date{seconds}}};
-        const Node node = nodeFrom(writePropertyList(value));
+        const OwnedNode node = nodeFrom(writePropertyList(value));
         ASSERT_TRUE(node) << seconds;
         EXPECT_EQ(readPropertyList(binaryOf(node)), value) << seconds;
     }
@@ -227,11 +227,11 @@ TEST(PropertyListOracle, LargeFilesAgreeInBothForms) {
         elements.push_back(Dictionary{{"name", "n" + std::to_string(i)}, {"shared", "value"}});
     }
     const Value value = Dictionary{{"elements", Array{elements}}};
-    const Node node = nodeFrom(writePropertyList(value));
+    const OwnedNode node = nodeFrom(writePropertyList(value));
     ASSERT_TRUE(node);
     EXPECT_EQ(readPropertyList(binaryOf(node)), value);
     EXPECT_EQ(readPropertyList(xmlOf(node)), value);
-    const Node nodeOfBinary = nodeFrom(writePropertyList(value, Form::binary));
+    const OwnedNode nodeOfBinary = nodeFrom(writePropertyList(value, Form::binary));
     EXPECT_TRUE(std::visit(Matches{nodeOfBinary.get()}, value));
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/standin/plist/property_list.h"
+#include "platform/standin/plist/writer_xml.h"
 
 namespace quillet::standin {
 namespace {
@@ -143,6 +144,13 @@ TEST(PropertyListWriter, WritesTheWholeSecondThatADateFallsIn) {
     for (const auto& [seconds, text] : cases) {
         EXPECT_EQ(written(Date{seconds}), document(std::string{"<date>"} + text + "</date>"));
     }
+}
+
+TEST(PropertyListWriter, TakesALimitToTheByte) {
+    const Array value{1, -1, std::uint64_t{1} << 63, 0.5, Date{0}, Data{"QUI"}, "<", UID{7}};
+    const std::string text = written(value);
+    EXPECT_EQ(writeXML(value.head(), text.size()), text);
+    EXPECT_EQ(writeXML(value.head(), text.size() - 1), std::nullopt);
 }
 
 TEST(PropertyListWriter, WritesAnIdentifierAsADictionaryThatReadsBackAsOne) {
