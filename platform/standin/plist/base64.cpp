@@ -32,6 +32,20 @@ char* putBytes(char* bytes, std::uint32_t bits, std::size_t count) {
     return bytes;
 }
 
+std::uint32_t bitsOf(char a, char b, char c) {
+    const auto bits = [](char byte) { return std::uint32_t{static_cast<unsigned char>(byte)}; };
+    return bits(a) << 16 | bits(b) << 8 | bits(c);
+}
+
+/// Writes the four digits of a group's 24 bits.
+char* putDigits(char* text, std::uint32_t bits) {
+    *text++ = digit(bits >> 18);
+    *text++ = digit(bits >> 12);
+    *text++ = digit(bits >> 6);
+    *text++ = digit(bits);
+    return text;
+}
+
 /// Takes four digits in a row, as most are. False when there are none here.
 bool takeGroup(std::string_view& text, std::uint32_t& bits) {
     if (text.size() < 4) return false;
@@ -67,23 +81,25 @@ std::size_t decodeBase64(std::string_view text, char* bytes) {
     char* end = bytes;
     while (!text.empty()) {
         std::uint32_t bits = 0;
-        const std::size_t digits = takeGroup(text, bits) ? 4 : gatherGroup(text, bits);
-        end = putBytes(end, bits, digits * 3 / 4);
+        if (takeGroup(text, bits)) {
+            end = putBytes(end, bits, 3);
+        } else {
+            const std::size_t digits = gatherGroup(text, bits);
+            end = putBytes(end, bits, digits * 3 / 4);
+        }
     }
     return static_cast<std::size_t>(end - bytes);
 }
 
 void encodeBase64(std::string_view bytes, char* text) {
-    for (; !bytes.empty(); bytes.remove_prefix(bytes.size() < 3 ? bytes.size() : 3)) {
-        std::uint32_t bits = 0;
-        for (std::size_t i = 0; i < 3; ++i) {
-            bits = bits << 8 | (i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0U);
-        }
-        *text++ = digit(bits >> 18);
-        *text++ = digit(bits >> 12);
-        *text++ = bytes.size() > 1 ? digit(bits >> 6) : '=';
-        *text++ = bytes.size() > 2 ? digit(bits) : '=';
+    for (; bytes.size() >= 3; bytes.remove_prefix(3)) {
+        text = putDigits(text, bitsOf(bytes[0], bytes[1], bytes[2]));
     }
+    if (bytes.empty()) return;
+    const bool isPair = bytes.size() == 2;
+    putDigits(text, bitsOf(bytes[0], isPair ? bytes[1] : '\0', '\0'));
+    if (!isPair) text[2] = '=';
+    text[3] = '=';
 }
 
 }  // namespace quillet::standin

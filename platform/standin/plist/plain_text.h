@@ -64,7 +64,9 @@ inline std::size_t plainLength(std::string_view text) {
 /// Whether all of `text` is that; fifteen bytes more can be read after it.
 inline bool isPlainASCII(std::string_view text) {
     const std::size_t inSixteens = (text.size() + 15) / 16 * 16;
-    return plainLength({text.data(), inSixteens}) >= text.size();
+    const std::string_view more{text.data(), inSixteens};
+    const std::size_t length = printingLength(more);
+    return length >= text.size() || lengthOfLines(more, length) >= text.size();
 }
 
 /// Whether a writer of XML puts `text` down as it is.

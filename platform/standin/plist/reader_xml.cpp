@@ -24,10 +24,10 @@ using Enclosure = TapeBuilder::Enclosure;
 using TagKind = XMLScanner::Kind;
 
 std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view whiteSpace = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(whiteSpace);
-    if (first == text.npos) return {};
-    return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
+    const auto isSpace = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 /// Takes a sign off the front. True for a minus.
@@ -85,11 +85,9 @@ Node dataNode(std::string_view digits) {
     return textNode(Kind::data, {bytes, decodeBase64(digits, bytes)});
 }
 
-/// The value of an element other than a container, from its name and its text.
+/// The value of an element other than a string and a container, from its name and its text.
 std::optional<Node> scalarOf(XMLName name, XMLScanner::Text text) {
     switch (name) {
-        case xmlName("string"):
-            return stringNode(text.characters, text.isPlain);
         case xmlName("integer"):
             return integerIn(trimmed(text.characters));
         case xmlName("true"):
@@ -191,8 +189,9 @@ private:
     bool failAtTag(const char* reason) { return fail({scanner_.lastTag(), reason}); }
 
     bool take(XMLScanner::Tag tag) {
-        const auto enclosure = enclosureNamed(tag.name);
+        if (tag.name == xmlName("key") || tag.name == xmlName("string")) return takeString(tag);
         if (tag.kind == TagKind::malformed) return fail(scanner_.fault());
+        const auto enclosure = enclosureNamed(tag.name);
         if (!enclosure) return takeScalar(tag);
         if (tag.kind == TagKind::end) return close(*enclosure);
         if (!builder_.open(*enclosure)) return failAtTag(builder_.refusal());
@@ -205,18 +204,34 @@ private:
         return true;
     }
 
-    bool takeScalar(XMLScanner::Tag tag) {
-        if (tag.kind == TagKind::end) return failAtTag("an end without a start");
-        const auto text = tag.kind == TagKind::empty ? XMLScanner::Text{{}, true} : scanner_.text();
-        if (!text) return failInText(tag);
-        if (tag.kind == TagKind::start && !scanner_.takeEnd(tag.name)) return failAtEnd(tag, *text);
-        if (tag.name == xmlName("key")) {
-            const Node key = stringNode(text->characters, text->isPlain);
-            return builder_.addKey(key) || failBefore(*text, builder_.refusal());
+    /// The text of the element that the tag begins, up to its end; its end tag is taken.
+    bool takeText(XMLScanner::Tag tag, XMLScanner::Text& text) {
+        if (tag.kind != TagKind::start) {
+            text = {{}, true};
+            return tag.kind == TagKind::empty || failAtTag("an end without a start");
         }
-        const auto value = scalarOf(tag.name, *text);
-        if (!value) return failBefore(*text, reasonAgainst(tag.name));
-        return builder_.add(*value) || failBefore(*text, builder_.refusal());
+        const auto found = scanner_.text();
+        if (!found) return failInText(tag);
+        text = *found;
+        return scanner_.takeEnd(tag.name) || failAtEnd(tag, text);
+    }
+
+    /// A key or a value of that kind.
+    bool takeString(XMLScanner::Tag tag) {
+        XMLScanner::Text text;
+        if (!takeText(tag, text)) return false;
+        const Node node = stringNode(text.characters, text.isPlain);
+        const bool isTaken =
+            tag.name == xmlName("key") ? builder_.addKey(node) : builder_.add(node);
+        return isTaken || failBefore(text, builder_.refusal());
+    }
+
+    bool takeScalar(XMLScanner::Tag tag) {
+        XMLScanner::Text text;
+        if (!takeText(tag, text)) return false;
+        const auto value = scalarOf(tag.name, text);
+        if (!value) return failBefore(text, reasonAgainst(tag.name));
+        return builder_.add(*value) || failBefore(text, builder_.refusal());
     }
 
     bool failInText(XMLScanner::Tag tag) {

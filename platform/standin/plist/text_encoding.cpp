@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/standin/plist/utf8.h"
+#include "platform/standin/plist/xml_prolog.h"
 
 namespace quillet::standin {
 namespace {
@@ -119,6 +120,7 @@ std::optional<std::string> documentInUTF8(std::string document) {
     if (bytes.starts_with("\xFE\xFF")) return fromUTF16(bytes.substr(2), HighByte::first);
     if (bytes.starts_with("\xFF\xFE")) return fromUTF16(bytes.substr(2), HighByte::last);
     if (bytes.starts_with("\xEF\xBB\xBF")) return document.erase(0, 3);
+    if (bytes.starts_with(xmlProlog)) return document;
     const auto encoding = declaredEncoding(bytes);
     if (!encoding) return std::nullopt;
     if (isOneOf(*encoding, utf8Names)) return document;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
@@ -22,30 +21,8 @@ constexpr char unfinished[] = "something without its end: a comment, a quotation
 constexpr char unfinishedTag[] = "a tag without its end";
 constexpr char unknownReference[] = "a reference to no character that is known";
 
-/// By character: whether it is one of `characters`.
-constexpr auto tableOf(std::string_view characters) {
-    std::array<bool, 256> table{};
-    for (const char c : characters) table[static_cast<unsigned char>(c)] = true;
-    return table;
-}
-
-/// What most lines begin with, in the order of eightBytes().
-constexpr std::uint64_t newLine = xmlName("\n\t\t\t\t\t\t\t");
-/// The bit that letters have and what ends a name has not.
-constexpr std::uint64_t letterBits = 0x4040404040404040U;
-
-constexpr auto spaces = tableOf(" \t\r\n");
-constexpr auto nameEnds = tableOf("/> \t\r\n");
-
-bool isWhiteSpace(char c) { return spaces[static_cast<unsigned char>(c)]; }
-
-bool endsName(char c) { return nameEnds[static_cast<unsigned char>(c)]; }
-
-/// How many of the first seven bytes are zero, the lowest being the first.
-std::size_t zeroBytes(std::uint64_t bytes) {
-    constexpr std::uint64_t inTheEighth = std::uint64_t{1} << 63U;
-    return static_cast<std::size_t>(std::countr_zero(bytes | inTheEighth)) / 8;
-}
+/// What counts in a document type.
+constexpr auto countInTypes = tableOf("<>[]\"'");
 
 /// The character that a numeric reference's content stands for, without "#": "65" or "x41".
 std::optional<std::uint32_t> characterNumber(std::string_view text) {
@@ -96,24 +73,11 @@ std::uint64_t XMLScanner::lastBytes() const {
     return xmlName({bytes.data(), bytes.size()});
 }
 
-/// The next eight bytes as a number, the first in its lowest byte; zeros stand for those beyond the
-/// end.
-inline std::uint64_t XMLScanner::eightBytes() const {
-    std::uint64_t bytes = 0;
-    if (rest().size() < sizeof bytes) return lastBytes();
-    std::memcpy(&bytes, next_, sizeof bytes);
-    return std::endian::native == std::endian::big ? __builtin_bswap64(bytes) : bytes;
-}
-
-inline void XMLScanner::skipWhiteSpace() {
-    next_ += zeroBytes(eightBytes() ^ newLine);
-    while (isWhiteSpace(*next_)) ++next_;
-}
-
 /// Past the rest of a document type. What its internal subset declares is not used.
 bool XMLScanner::skipDocumentType() {
+    const auto counts = [](char c) { return countInTypes[static_cast<unsigned char>(c)]; };
     bool isInSubset = false;
-    while (next_ != end_) {
+    while ((next_ = std::find_if(next_, end_, counts)) != end_) {
         if (consume("<!--")) {
             if (!skipPast("-->")) return false;
             continue;
@@ -133,7 +97,7 @@ bool XMLScanner::skipDocumentType() {
 }
 
 /// Past white space and what else may stand between tags. False when that is malformed.
-inline bool XMLScanner::skipToTag() {
+bool XMLScanner::skipToTag() {
     skipWhiteSpace();
     while (*next_ == '<' && (next_[1] == '!' || next_[1] == '?')) {
         if (!skipMarkup()) return false;
@@ -151,13 +115,11 @@ bool XMLScanner::skipMarkup() {
     return skipDocumentType();
 }
 
-inline XMLName XMLScanner::takeName() {
-    const std::uint64_t bytes = eightBytes();
-    const std::size_t letters = zeroBytes(~bytes & letterBits);
-    if (endsName(next_[letters])) {
-        next_ += letters;
-        return bytes & ((std::uint64_t{1} << 8 * letters) - 1);
-    }
+/// A name that is too long is 0.
+XMLName XMLScanner::takeName() {
+    const XMLName name = takeShortName();
+    if (name != 0) return name;
+    const auto endsName = [](char c) { return nameEnds[static_cast<unsigned char>(c)]; };
     next_ = std::find_if(next_, end_, endsName);
     return 0;
 }
@@ -172,32 +134,33 @@ bool XMLScanner::skipAttributes() {
     return true;
 }
 
-inline XMLScanner::Tag XMLScanner::startTag() {
+XMLScanner::Tag XMLScanner::startTag() {
     isBeforeFirstTag_ = false;
     const XMLName name = takeName();
-    if (consume(">")) return {Kind::start, name};
+    if (consume('>')) return {Kind::start, name};
     if (!skipAttributes()) return {Kind::malformed, 0};
-    if (consume(">")) return {Kind::start, name};
+    if (consume('>')) return {Kind::start, name};
     if (consume("/>")) return {Kind::empty, name};
     return malformed(unfinishedTag);
 }
 
-inline XMLScanner::Tag XMLScanner::endTag() {
+XMLScanner::Tag XMLScanner::endTag() {
     const XMLName name = takeName();
-    if (consume(">")) return {Kind::end, name};
-    skipWhiteSpace();
-    if (consume(">")) return {Kind::end, name};
-    return malformed(unfinishedTag);
+    return takeLateEnd() ? Tag{Kind::end, name} : malformed(unfinishedTag);
 }
 
-XMLScanner::Tag XMLScanner::next() {
+/// The tag at or after `start`, whatever it is like.
+XMLScanner::Tag XMLScanner::otherTag(char* start) {
+    next_ = start;
     if (!skipToTag()) return {Kind::malformed, 0};
-    if (!consume("<")) return malformed(next_ == end_ ? tooShort : textBetweenTags);
-    return consume("/") ? endTag() : startTag();
+    if (!consume('<')) return malformed(next_ == end_ ? tooShort : textBetweenTags);
+    return consume('/') ? endTag() : startTag();
 }
 
-bool XMLScanner::takeEnd(XMLName name) {
-    return name != 0 && consume("</") && endTag().name == name;
+/// Takes what ends an end tag, after white space.
+bool XMLScanner::takeLateEnd() {
+    skipWhiteSpace();
+    return consume('>');
 }
 
 bool XMLScanner::takeReference(char*& text) {
@@ -215,9 +178,9 @@ bool XMLScanner::takeReference(char*& text) {
 /// Takes what is no character of a text and puts down what it stands for. No markup is shorter than
 /// that.
 bool XMLScanner::takeMarkup(char*& text) {
-    if (consume("&")) return takeReference(text);
+    if (consume('&')) return takeReference(text);
     if (consume("<!--")) return skipPast("-->");
-    if (isAt("<?xml") && rest().size() > 5 && isWhiteSpace(next_[5])) {
+    if (isAt("<?xml") && spaces[static_cast<unsigned char>(next_[5])]) {
         return fail("an XML declaration inside a text");
     }
     if (consume("<?")) return skipPast("?>");
@@ -236,7 +199,7 @@ std::optional<XMLScanner::Text> XMLScanner::markedText(char* start) {
         const char* const run = next_;
         next_ = std::find_if(next_, end_, [](char c) { return c == '<' || c == '&'; });
         moveTo(text, run, next_);
-        if (isAt("</")) {
+        if (isAtEndTag()) {
             const std::string_view characters{start, static_cast<std::size_t>(text - start)};
             if (const std::size_t size = utf8Length(characters); size != characters.size()) {
                 // Where nothing was moved, the place is that of the bytes, else of the whole text.
@@ -252,10 +215,11 @@ std::optional<XMLScanner::Text> XMLScanner::markedText(char* start) {
     return std::nullopt;
 }
 
-std::optional<XMLScanner::Text> XMLScanner::text() {
-    char* const start = next_;
-    next_ += plainLength(rest());
-    if (!isAt("</")) return markedText(start);
+/// A text that begins at `start` and whose first characters alone are printing ones.
+std::optional<XMLScanner::Text> XMLScanner::otherText(char* start) {
+    const auto length = static_cast<std::size_t>(next_ - start);
+    next_ = start + lengthOfLines({start, static_cast<std::size_t>(end_ - start)}, length);
+    if (!isAtEndTag()) return markedText(start);
     return Text{{start, static_cast<std::size_t>(next_ - start)}, true};
 }
 
