@@ -64,6 +64,8 @@ public:
         : tape_{std::make_shared<Tape>(std::move(file))},
           file_{tape_->file()},
           trailer_{trailer},
+          referenceAt_{trailer.referenceSize},
+          offsetAt_{trailer.offsetSize},
           budget_{budgetFor(file_.size(), trailer.objects)},
           texts_(trailer.objects),
           builder_{tape_->nodes, Counts::first} {}
@@ -108,7 +110,7 @@ private:
 
     /// Eight bytes can be read wherever a number begins: the trailer comes after all of them.
     std::uint64_t takeReference(std::string_view& references) const {
-        const auto reference = bigEndianAt(references.data(), trailer_.referenceSize);
+        const auto reference = referenceAt_.at(references.data());
         references.remove_prefix(trailer_.referenceSize);
         return reference;
     }
@@ -118,7 +120,7 @@ private:
         if (reference >= trailer_.objects) return std::nullopt;
         const std::size_t entry =
             trailer_.offsets + static_cast<std::size_t>(reference) * trailer_.offsetSize;
-        const std::uint64_t offset = bigEndianAt(file_.data() + entry, trailer_.offsetSize);
+        const std::uint64_t offset = offsetAt_.at(file_.data() + entry);
         fault_.offset = entry;
         if (offset < headerSize || offset >= trailer_.offsets) return std::nullopt;
         fault_.offset = static_cast<std::size_t>(offset);
@@ -193,6 +195,8 @@ private:
     std::shared_ptr<Tape> tape_;
     std::string_view file_;
     Trailer trailer_;
+    NumberReader referenceAt_;
+    NumberReader offsetAt_;
     /// Bytes of memory that are left.
     std::size_t budget_;
     /// By object: strings and data that a reference has been followed to.

@@ -64,7 +64,7 @@ std::optional<std::uint64_t> takeLongCount(StoredObject& object) {
     const std::size_t size = std::size_t{1} << (first & 0x0FU);
     const bool isInteger = static_cast<Marker>(first >> 4) == Marker::integer;
     if (!isInteger || size > 16 || object.rest.size() < size) return std::nullopt;
-    return bigEndianAt(takeBytes(object, size).data(), size);
+    return NumberReader{size}.at(takeBytes(object, size).data());
 }
 
 std::optional<Node> singleIn(StoredObject object) {

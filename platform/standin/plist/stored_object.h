@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -51,15 +52,26 @@ inline std::uint64_t bigEndian(std::string_view bytes) {
     return number;
 }
 
-/// The same of `size` bytes, 1 to 16, at a place where no fewer than eight can be read.
-inline std::uint64_t bigEndianAt(const char* bytes, std::size_t size) {
-    constexpr std::size_t most = sizeof(std::uint64_t);
-    if (size > most) return bigEndianAt(bytes + (size - most), most);
-    std::uint64_t number = 0;
-    std::memcpy(&number, bytes, most);
-    if constexpr (std::endian::native == std::endian::little) number = __builtin_bswap64(number);
-    return number >> 8 * (most - size);
-}
+/// The same for numbers of one size, 1 to 16 bytes.
+class NumberReader {
+public:
+    explicit NumberReader(std::size_t size)
+        : unused_{std::max(size, most) - most}, shift_{8 * (most - std::min(size, most))} {}
+
+    /// At a place where no fewer than eight bytes can be read.
+    std::uint64_t at(const char* bytes) const {
+        std::uint64_t number = 0;
+        std::memcpy(&number, bytes + unused_, most);
+        constexpr bool isLittle = std::endian::native == std::endian::little;
+        return (isLittle ? __builtin_bswap64(number) : number) >> shift_;
+    }
+
+private:
+    static constexpr std::size_t most = sizeof(std::uint64_t);
+
+    std::size_t unused_;
+    std::size_t shift_;
+};
 
 /// An object's first byte, split, and what follows it up to the end of all objects, after which a
 /// trailer comes: sixteen bytes more can be read.
@@ -86,7 +98,12 @@ std::optional<std::uint64_t> takeLongCount(StoredObject& object);
 /// `elementSize` bytes.
 inline std::optional<std::size_t> takeCount(StoredObject& object, std::size_t elementSize) {
     std::uint64_t count = object.info;
-    if (object.info == countFollows) {
+    // As most are: in an integer of one byte.
+    constexpr char oneByte = 0x10;
+    if (object.info == countFollows && object.rest.size() > 1 && object.rest[0] == oneByte) {
+        count = static_cast<unsigned char>(object.rest[1]);
+        object.rest.remove_prefix(2);
+    } else if (object.info == countFollows) {
         const auto longCount = takeLongCount(object);
         if (!longCount || *longCount > object.rest.size()) return std::nullopt;
         count = *longCount;

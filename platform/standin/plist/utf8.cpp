@@ -108,14 +108,18 @@ void appendUTF16(std::string& text, std::string_view bytes, HighByte order) {
     const auto unitAt = [=](std::size_t index) {
         return byteAt(bytes, index + high) << 8 | byteAt(bytes, index + 1 - high);
     };
+    const std::size_t before = text.size();
+    text.resize(before + bytes.size() / 2 * 3);
+    char* end = text.data() + before;
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
         std::uint32_t codePoint = unitAt(i);
         if (isHighSurrogate(codePoint) && i + 3 < bytes.size() && isLowSurrogate(unitAt(i + 2))) {
             codePoint = 0x10000 + ((codePoint - 0xD800) << 10) + (unitAt(i + 2) - 0xDC00);
             i += 2;
         }
-        appendUTF8(text, codePoint);
+        end = putUTF8(end, codePoint);
     }
+    text.resize(static_cast<std::size_t>(end - text.data()));
 }
 
 }  // namespace quillet::standin
