@@ -31,6 +31,11 @@ std::string newDraftName() {
     return std::string{draftPrefix} + std::to_string(getpid()) + "-" + std::to_string(serial++);
 }
 
+/// The working folder is an empty text.
+std::string pathIn(const std::string& folder, const std::string& name) {
+    return folder.empty() ? name : folder + '/' + name;
+}
+
 bool isNumber(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789") == text.npos;
 }
@@ -42,7 +47,7 @@ bool isDraftName(std::string_view name) {
     return isNumber(name.substr(0, dash)) && isNumber(name.substr(dash + 1));
 }
 
-void removeDraft(const fs::path& path) noexcept {
+void removeDraft(const std::string& path) noexcept {
     if (unlink(path.c_str()) == 0 || errno != EISDIR) return;
     try {
         std::error_code ignored;
@@ -52,12 +57,12 @@ void removeDraft(const fs::path& path) noexcept {
     }
 }
 
-int openFile(const fs::path& path, int flags, mode_t mode = 0) {
+int openFile(const std::string& path, int flags, mode_t mode = 0) {
     return uninterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC, mode); });
 }
 
 /// -1, with EEXIST where another name may do.
-int openNew(const fs::path& path, Draft::Kind kind, mode_t mode) {
+int openNew(const std::string& path, Draft::Kind kind, mode_t mode) {
     if (kind == Draft::Kind::file) return openFile(path, O_WRONLY | O_CREAT | O_EXCL, mode);
     if (mkdir(path.c_str(), mode) != 0) return -1;
     const int folder = openFile(path, O_RDONLY | O_DIRECTORY);
@@ -83,7 +88,7 @@ bool keep(int draft) {
 }
 
 /// The descriptor of a new draft at `path`; -1, with EEXIST where another name may do.
-int makeAt(const fs::path& path, Draft::Kind kind, mode_t mode) {
+int makeAt(const std::string& path, Draft::Kind kind, mode_t mode) {
     Descriptor draft{openNew(path, kind, mode)};
     if (!draft.isOpen() || keep(draft.number())) return draft.release();
     removeDraft(path);
@@ -92,12 +97,12 @@ int makeAt(const fs::path& path, Draft::Kind kind, mode_t mode) {
 }
 
 /// The same, under a name that goes to `path`.
-int makeIn(const fs::path& folder, Draft::Kind kind, mode_t mode, fs::path& path) {
+int makeIn(const std::string& folder, Draft::Kind kind, mode_t mode, std::string& path) {
     Draft::removeAbandoned(folder);
     constexpr int names = 100;
     int draft = -1;
     for (int name = 0; name < names && draft == -1; ++name) {
-        path = folder / newDraftName();
+        path = pathIn(folder, newDraftName());
         draft = makeAt(path, kind, mode);
         if (draft == -1 && errno != EEXIST) break;
     }
@@ -109,7 +114,7 @@ struct CloseFolder {
 };
 
 /// Opens, without waiting for whoever may be at the other end, and removes what nobody has locked.
-void removeIfAbandoned(const fs::path& path) {
+void removeIfAbandoned(const std::string& path) {
     const Descriptor draft{openFile(path, O_RDONLY | O_NONBLOCK | O_NOFOLLOW)};
     if (draft.isOpen() && lock(draft.number())) removeDraft(path);
 }
@@ -121,14 +126,14 @@ bool flush(int descriptor) {
 }
 
 Draft::Draft(const fs::path& folder, Kind kind, mode_t mode)
-    : file_{makeIn(folder, kind, mode, path_)} {}
+    : folder_{folder}, file_{makeIn(folder_, kind, mode, path_)} {}
 
 Draft::~Draft() {
     if (isMade() && !isPublished_) removeDraft(path_);
 }
 
 bool Draft::publish(const fs::path& place) {
-    const Descriptor folder{openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY)};
+    const Descriptor folder{openFile(folder_, O_RDONLY | O_DIRECTORY)};
     if (!flush(descriptor()) || rename(path_.c_str(), place.c_str()) != 0) return false;
     isPublished_ = true;
     // No failure from here: what is at the place is whole, and on the disk the one or the other.
@@ -137,7 +142,7 @@ bool Draft::publish(const fs::path& place) {
 }
 
 bool Draft::exchange(const fs::path& place) {
-    const Descriptor folder{openFile(path_.parent_path(), O_RDONLY | O_DIRECTORY)};
+    const Descriptor folder{openFile(folder_, O_RDONLY | O_DIRECTORY)};
     const bool isFlushed = flush(descriptor());
     if (!isFlushed ||
         renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, place.c_str(), RENAME_EXCHANGE) != 0) {
@@ -147,13 +152,13 @@ bool Draft::exchange(const fs::path& place) {
     return true;
 }
 
-void Draft::removeAbandoned(const fs::path& folder) noexcept {
+void Draft::removeAbandoned(const std::string& folder) noexcept {
     // Not a directory_iterator, which ends the process for want of memory.
     const std::unique_ptr<DIR, CloseFolder> entries{opendir(folder.c_str())};
     if (!entries) return;
     try {
         while (const dirent* const entry = readdir(entries.get())) {
-            if (isDraftName(entry->d_name)) removeIfAbandoned(folder / entry->d_name);
+            if (isDraftName(entry->d_name)) removeIfAbandoned(pathIn(folder, entry->d_name));
         }
     } catch (const std::bad_alloc&) {
         return;  // They stay, for the next one in this folder to remove.

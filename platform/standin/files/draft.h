@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <string>
 
 #include "platform/standin/files/descriptor.h"
 
@@ -26,7 +27,7 @@ public:
     Draft& operator=(const Draft&) = delete;
 
     bool isMade() const { return file_.isOpen(); }
-    const std::filesystem::path& path() const { return path_; }
+    const std::string& path() const { return path_; }
     /// Open for writing, or for reading if it is a folder. Owned by the draft.
     int descriptor() const { return file_.number(); }
 
@@ -42,10 +43,12 @@ public:
     bool exchange(const std::filesystem::path& place);
 
     /// Removes the drafts in `folder` whose makers have died.
-    static void removeAbandoned(const std::filesystem::path& folder) noexcept;
+    static void removeAbandoned(const std::string& folder) noexcept;
 
 private:
-    std::filesystem::path path_;
+    // Texts, which no use takes apart.
+    std::string folder_;
+    std::string path_;
     Descriptor file_;
     bool isPublished_ = false;
 };

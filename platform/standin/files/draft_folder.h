@@ -14,7 +14,7 @@ public:
     /// Makes an empty folder beside `place`, whose parent must be there. Throws std::system_error.
     explicit DraftFolder(const std::filesystem::path& place);
 
-    const std::filesystem::path& path() const { return draft_.path(); }
+    std::filesystem::path path() const { return draft_.path(); }
 
     /// Puts the folder in its place, where nothing or an empty folder may be, when all that it
     /// holds is on the disk. False when a folder that is not empty, made by somebody faster, is
