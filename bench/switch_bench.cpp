@@ -99,7 +99,9 @@ void measureFlip(const std::string& bundle, const std::string& settings, int tim
         rewriteSettings();
         rewrite(hardware);
     };
-    Durations flips, two, three;
+    Durations flips;
+    Durations two;
+    Durations three;
     for (int i = 0; i < times; ++i) {
         flips.push_back(measure(1, 1, [&] { flipper.flip(); }).at(0));
         two.push_back(measure(1, 1, rewriteSettings).at(0));
