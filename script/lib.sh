@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 # shellcheck shell=bash disable=SC2034
 #
-# What the scripts share. To be sourced; needs bash and nothing else. Everything that a script has
-# to say of its own goes to standard error.
+# What the scripts share. To be sourced without arguments, as it takes --color out of the script's;
+# needs bash and nothing else. Everything that a script has to say of its own goes to standard error.
 
 readonly buildPackages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev
@@ -15,27 +15,73 @@ readonly deviceTestPackages=("${repositoryPackages[@]}" gobjc++ libgnustep-base-
 
 say() { printf '%s\n' "$*" >&2; }
 
-# The same in bold, after an empty line, where that is a terminal that has and may have colours.
-heading() {
-    if [[ -t 2 && -z ${NO_COLOR-} && ${TERM:-dumb} != dumb ]]; then
-        printf '\n\e[1m%s\e[m\n' "$*" >&2
-    else
-        printf '\n%s\n' "$*" >&2
-    fi
-}
-
 fail() {
     say "$(basename "$0"): $*"
     exit 1
 }
 
+# When what the script prints, and what the programs print that it runs, has colours: auto, always or
+# never. Of these programs some know --color, which they are handed; some know the environment.
+color=auto
+
+# Takes --color WHEN and --color=WHEN out of a script's arguments, up to "--".
+takeColor() {  # name of the array of arguments
+    local -n words=$1
+    local -a rest=()
+    while ((${#words[@]})) && [[ ${words[0]} != -- ]]; do
+        case ${words[0]} in
+            --color=*) color=${words[0]#*=} ;;
+            --color)
+                color=${words[1]-}
+                words=("${words[@]:1}")
+                ;;
+            *) rest+=("${words[0]}") ;;
+        esac
+        words=("${words[@]:1}")
+    done
+    words=("${rest[@]}" "${words[@]}")
+    case $color in
+        auto) [[ -z ${NO_COLOR-} ]] || export CLICOLOR=0 ;;
+        always) export CLICOLOR_FORCE=1 ;;
+        never) export NO_COLOR=1 CLICOLOR=0 ;;
+        *) fail "neither auto nor always nor never: \"$color\"" ;;
+    esac
+}
+
+# Whether standard error is a terminal that understands more than lines.
+isScreen() { [[ -t 2 && ${TERM:-dumb} != dumb ]]; }
+
+hasColors() {
+    [[ $color == always ]] || { [[ $color == auto && -z ${NO_COLOR-} ]] && isScreen; }
+}
+
+# Says it in bold where there are colours, after an empty line.
+heading() {
+    if hasColors; then
+        say $'\n\e[1m'"$*"$'\e[m'
+    else
+        say $'\n'"$*"
+    fi
+}
+
+# What every script's help ends with.
+commonHelp() {
+    echo
+    echo "--color auto|always|never: when there are colours; by default on a terminal."
+}
+
 # Answers --help with what stands at the head of the script that calls this, in the project's folder,
-# and refuses more arguments than it takes.
+# and refuses options, and more arguments than it takes.
 takes() {  # how many at most, argument…
-    if [[ ${2-} == --help ]]; then
-        sed -n '4,/^[^#]/s/^# \?//p' "script/$(basename "$0")"
+    local word
+    if [[ ${2-} == -h || ${2-} == --help ]]; then
+        sed -n '4,/^[^#]/s/^# \?//p' "script/$(basename "$0")" | fmt -w 80 | tr -s " "
+        commonHelp
         exit
     fi
+    for word in "${@:2}"; do
+        [[ $word != -* ]] || fail "there is no \"$word\"; see --help"
+    done
     (($# - 1 <= $1)) || fail "cannot take ${*:$1+2}; see --help"
 }
 
@@ -152,18 +198,18 @@ tellBuild() {  # folder
     local line told=
     while IFS= read -r line; do
         if [[ $line =~ ^\[([0-9]+)/([0-9]+)\]\ (Building|Linking) ]]; then
-            if [[ -t 2 ]]; then
+            if isScreen; then
                 printf '\rBuilding %s: %d of %d\e[K' "$1" "${BASH_REMATCH[@]:1:2}" >&2
             elif [[ -z $told ]]; then
                 say "Building $1"
             fi
             told=yes
         elif [[ ! $line =~ ^(\[[0-9/]+\]|--|ninja: no work)\  ]]; then
-            [[ -z $told || ! -t 2 ]] || say
+            [[ -z $told ]] || ! isScreen || say
             say "$line"
         fi
     done
-    [[ -z $told || ! -t 2 ]] || say
+    [[ -z $told ]] || ! isScreen || say
 }
 
 # Configures and builds one of the presets, in build/<preset>.
@@ -185,3 +231,7 @@ runTests() {  # preset
     ctest --preset "$1" --parallel "$(nproc)" "${progress[@]}"
     grep -aE '^\[  PASSED  \] [0-9]+ tests' "build/$1/Testing/Temporary/LastTest.log" || true
 }
+
+arguments=("$@")
+takeColor arguments
+set -- "${arguments[@]}"
