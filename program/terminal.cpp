@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <sstream>
 #include <string_view>
@@ -33,6 +34,20 @@ bool hasColors(Color when, int descriptor) {
     const std::string_view terminal = environment("TERM");
     return isatty(descriptor) == 1 && !terminal.empty() && terminal != "dumb" &&
            environment("NO_COLOR").empty();
+}
+
+std::string printable(std::string_view text) {
+    std::string shown;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (std::iscntrl(byte) == 0) {
+            shown += c;
+            continue;
+        }
+        constexpr std::string_view digits = "0123456789abcdef";
+        shown.append("\\x").append({digits[byte >> 4U], digits[byte & 0xFU]});
+    }
+    return shown;
 }
 
 std::string withBoldHeadings(const std::string& text) {

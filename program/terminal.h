@@ -16,6 +16,10 @@ Color color(std::string_view word);
 /// called "dumb" (TERM) or the user wants none (NO_COLOR is there and not empty).
 bool hasColors(Color when, int descriptor);
 
+/// `text` of unknown origin as a terminal shows it: "\x1b" and the like in place of control
+/// characters, which it would obey.
+std::string printable(std::string_view text);
+
 /// `text` with its headings, lines without an indent that end with a colon, in bold.
 std::string withBoldHeadings(const std::string& text);
 

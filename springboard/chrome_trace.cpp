@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/chrome_trace.h"
 
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 
+#include "program/wall_clock.h"
 #include "springboard/json.h"
 #include "springboard/trace_format.h"
 
@@ -16,9 +16,7 @@ using standin::TraceRecord;
 namespace {
 
 std::int64_t microsecondsOf(const TraceOrigin& origin, double time) {
-    const auto start =
-        std::chrono::floor<std::chrono::microseconds>(origin.start.time_since_epoch());
-    return start.count() + std::llround(time * 1e6);
+    return origin.start + std::llround(time * double{microsecondsPerSecond});
 }
 
 /// An event of the process that `origin` names. The threads of a viewer are tracks.

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <filesystem>
-#include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
-#include "program/usage_error.h"
+#include "program/output.h"
 #include "springboard/arguments.h"
 #include "springboard/commands.h"
 #include "springboard/json.h"
@@ -48,9 +47,8 @@ and what its SpringBoard is like stay. A flip that is under way is waited
 for; who watches the phone ends.
 )";
 
-void print(const Options& options, const char* what, const std::string& word) {
-    std::cout << (options.json ? toLine({{what, word}}) : word) << std::endl;
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
+void printFact(const Options& options, const char* what, const std::string& word) {
+    print((options.json ? toLine({{what, word}}) : word) + '\n');
 }
 
 /// Has `change` change what the device is, in the process's turn.
@@ -70,12 +68,12 @@ DeviceFacts factsThere(const Options& options) {
 }
 
 void model(const Options& options, const std::optional<std::string>& name) {
-    if (!name) return print(options, "model", factsThere(options).machine);
+    if (!name) return printFact(options, "model", factsThere(options).machine);
     changeFacts(options, [&](DeviceFacts& facts) { facts.machine = *name; });
 }
 
 void host(const Options& options, const std::optional<standin::HostVariant>& variant) {
-    if (!variant) return print(options, "host", textOf(factsThere(options).host));
+    if (!variant) return printFact(options, "host", textOf(factsThere(options).host));
     changeFacts(options, [&](DeviceFacts& facts) { facts.host = *variant; });
 }
 

@@ -4,57 +4,14 @@
 #include <CLI/App.hpp>
 #include <algorithm>
 #include <cctype>
-#include <sstream>
 #include <utility>
 #include <vector>
+
+#include "program/help_text.h"
 
 namespace quillet {
 
 namespace {
-
-constexpr std::size_t lineWidth = 80;
-/// Terms that are longer have a line of their own.
-constexpr std::size_t maxTermWidth = 18;
-
-/// A term and what it means.
-using Row = std::pair<std::string, std::string>;
-using Rows = std::vector<Row>;
-
-/// `text` in lines, of which all but the first begin with `indent` blanks.
-std::string wrapped(const std::string& text, std::size_t indent) {
-    std::string lines;
-    std::size_t column = indent;
-    std::istringstream words{text};
-    for (std::string word; words >> word;) {
-        if (column > indent && column + 1 + word.size() > lineWidth) {
-            lines += '\n' + std::string(indent, ' ');
-            column = indent;
-        } else if (column > indent) {
-            lines += ' ';
-            ++column;
-        }
-        lines += word;
-        column += word.size();
-    }
-    return lines + '\n';
-}
-
-std::string table(const std::string& heading, const Rows& rows) {
-    if (rows.empty()) return "";
-    std::size_t widest = 0;
-    for (const auto& [term, meaning] : rows) {
-        if (term.size() <= maxTermWidth) widest = std::max(widest, term.size());
-    }
-    const std::size_t indent = widest + 4;
-    std::string text = '\n' + heading + ":\n";
-    for (const auto& [term, meaning] : rows) {
-        text += "  " + term;
-        text += term.size() <= widest ? std::string(indent - 2 - term.size(), ' ')
-                                      : '\n' + std::string(indent, ' ');
-        text += wrapped(meaning, indent);
-    }
-    return text;
-}
 
 /// "--trace[=FILE]", "-h, --help"
 std::string termOf(const CLI::Option& option) {
@@ -102,9 +59,9 @@ std::string usageOf(const CLI::App& app) {
 /// Tables of what has a description, one for each group, in the order of the groups' first members.
 template <class Member>
 std::string tablesOf(const std::vector<const Member*>& members) {
-    std::vector<std::pair<std::string, Rows>> groups;
+    std::vector<std::pair<std::string, std::vector<HelpRow>>> groups;
     for (const Member* const member : members) {
-        const Row row = {termOf(*member), member->get_description()};
+        const HelpRow row = {termOf(*member), member->get_description()};
         const auto group =
             std::ranges::find(groups, member->get_group(), &decltype(groups)::value_type::first);
         if (group == groups.end()) {
@@ -114,7 +71,7 @@ std::string tablesOf(const std::vector<const Member*>& members) {
         }
     }
     std::string text;
-    for (const auto& [name, rows] : groups) text += table(name, rows);
+    for (const auto& [name, rows] : groups) text += helpTable(name, rows);
     return text;
 }
 

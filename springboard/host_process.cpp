@@ -3,18 +3,20 @@
 
 #include <unistd.h>
 
-#include <chrono>
+#include <cmath>
 #include <iostream>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
 
+#include "program/output.h"
+#include "program/signals.h"
 #include "program/terminal.h"
+#include "program/wall_clock.h"
 #include "springboard/messages.h"
 #include "springboard/phone.h"
 #include "springboard/phone_now.h"
-#include "springboard/signals.h"
 #include "springboard/watch_report.h"
 
 namespace quillet {
@@ -32,10 +34,8 @@ bool traceIsOutput(const Options& options) {
 }
 
 /// What the wall clock showed when this clock was made.
-std::chrono::system_clock::time_point startOf(const standin::Clock& clock) {
-    const std::chrono::duration<double> since{clock.now()};
-    return std::chrono::system_clock::now() -
-           std::chrono::duration_cast<std::chrono::system_clock::duration>(since);
+std::int64_t startOf(const standin::Clock& clock) {
+    return timeNow() - std::llround(clock.now() * double{microsecondsPerSecond});
 }
 
 }  // namespace
@@ -93,7 +93,7 @@ void HostProcess::checkService() const {
 }
 
 void HostProcess::checkOutput() const {
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
+    finishOutput();
     if (trace_ != nullptr && !trace_->isWritten())
         throw std::runtime_error("the trace cannot be written");
 }

@@ -4,15 +4,13 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdio>
-#include <ctime>
 #include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
 
-#include "springboard/messages.h"
+#include "program/wall_clock.h"
 
 namespace quillet {
 
@@ -112,18 +110,6 @@ Json valueOf(const std::string& key, const std::string& text) {
     return text;
 }
 
-std::tm localTime(std::int64_t microseconds) {
-    const std::time_t seconds = microseconds / microsecondsPerSecond;
-    std::tm time{};
-    localtime_r(&seconds, &time);
-    return time;
-}
-
-std::string formatted(const std::tm& time, const char* format) {
-    std::array<char, 32> text{};
-    return {text.data(), std::strftime(text.data(), text.size(), format, &time)};
-}
-
 }  // namespace
 
 std::string toWords(const JournalEntry& entry) {
@@ -148,17 +134,6 @@ Json toJSON(const JournalEntry& entry) {
 
 std::string authorOf(const JournalEntry& entry) {
     return entry.program + '[' + std::to_string(entry.process) + ']';
-}
-
-std::string timeOfDay(std::int64_t microseconds) {
-    std::array<char, 16> fraction{};
-    std::snprintf(fraction.data(), fraction.size(), ".%03d",
-                  static_cast<int>(microseconds % microsecondsPerSecond / 1000));
-    return formatted(localTime(microseconds), "%H:%M:%S") + fraction.data();
-}
-
-std::string dayOf(std::int64_t microseconds) {
-    return formatted(localTime(microseconds), "%Y-%m-%d");
 }
 
 }  // namespace quillet

@@ -17,10 +17,4 @@ Json toJSON(const standin::JournalEntry& entry);
 /// "springboard[4711]"
 std::string authorOf(const standin::JournalEntry& entry);
 
-/// "02:15:20.456", in the time zone of whoever reads it.
-std::string timeOfDay(std::int64_t microseconds);
-
-/// "2026-11-22", likewise.
-std::string dayOf(std::int64_t microseconds);
-
 }  // namespace quillet

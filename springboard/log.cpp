@@ -14,10 +14,13 @@
 
 #include "platform/standin/device/journal_reader.h"
 #include "platform/standin/device/root.h"
+#include "program/help_text.h"
+#include "program/output.h"
+#include "program/terminal.h"
 #include "program/usage_error.h"
+#include "program/wall_clock.h"
 #include "springboard/journal_words.h"
 #include "springboard/json.h"
-#include "springboard/messages.h"
 #include "springboard/phone.h"
 #include "springboard/processes.h"
 
@@ -41,14 +44,19 @@ public:
         const std::string day = dayOf(entry.time);
         if (day != day_) std::cout << day << '\n';
         day_ = day;
-        std::cout << timeOfDay(entry.time) << "  " << authorOf(entry) << "  " << toWords(entry)
-                  << '\n';
+        std::string author = authorOf(entry);
+        authorWidth_ = std::max(authorWidth_, author.size());
+        author.resize(authorWidth_, ' ');
+        const std::string line = timeOfDay(entry.time) + "  " + author + "  ";
+        std::cout << line << wrapped(printable(toWords(entry)), line.size());
     }
 
 private:
     bool json_;
     std::int64_t since_;
     std::string day_;
+    /// That the next column begins in one place.
+    std::size_t authorWidth_ = 0;
 };
 
 /// Puts each process's death behind its last line.
@@ -59,11 +67,6 @@ void insertDead(std::vector<JournalEntry>& entries, const std::vector<JournalEnt
         });
         entries.insert(last.base(), death);
     }
-}
-
-void flushOutput() {
-    std::cout << std::flush;
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
 }
 
 }  // namespace
@@ -79,7 +82,7 @@ void printLog(const Options& options, const LogChoice& choice) {
         for (const JournalEntry& entry : entries) processes.take(entry);
         insertDead(entries, processes.takeDead());
         for (const JournalEntry& entry : entries) log.print(entry);
-        flushOutput();
+        finishOutput();
         if (!standin::DeviceRoot::isDevice(root.path())) {
             throw std::runtime_error(root.path().string() + ": the device is gone");
         }

@@ -8,8 +8,8 @@
 #include <iostream>
 #include <new>
 
+#include "program/help_text.h"
 #include "program/standard_streams.h"
-#include "program/terminal.h"
 #include "program/usage_error.h"
 #include "springboard/messages.h"
 #include "springboard/options.h"
@@ -45,8 +45,7 @@ int runProgram(int argc, char** argv) {
             options.run(options);
             return EXIT_SUCCESS;
         }
-        const bool isColored = hasColors(options.color, STDERR_FILENO);
-        std::cerr << (isColored ? withBoldHeadings(options.help) : options.help);
+        std::cerr << helpFor(STDERR_FILENO, options.color, options.help);
         return badUse;
     } catch (const UsageError& error) {
         sayError(json, error.what());

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include <unistd.h>
 
-#include <iostream>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "program/terminal.h"
+#include "program/help_text.h"
+#include "program/output.h"
 #include "springboard/arrange.h"
 #include "springboard/commands.h"
 #include "springboard/completion.h"
@@ -16,15 +15,6 @@
 namespace quillet {
 
 namespace {
-
-void print(const std::string& text) {
-    std::cout << text << std::flush;
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
-}
-
-void printHelp(const std::string& help, Color color) {
-    print(hasColors(color, STDOUT_FILENO) ? withBoldHeadings(help) : help);
-}
 
 constexpr char completionFooter[] = R"(Where the shells look for it:
   bash  ~/.local/share/bash-completion/completions/springboard
@@ -48,7 +38,8 @@ void addOwnCommands(CLI::App& app, Options& options) {
     const auto text = std::make_shared<std::string>();
     CLI::App& help = addCommand(app, "help", "print this help, or that of a command", options,
                                 [text](const Options& chosen) {
-                                    printHelp(text->empty() ? chosen.help : *text, chosen.color);
+                                    const auto& asked = text->empty() ? chosen.help : *text;
+                                    print(helpFor(STDOUT_FILENO, chosen.color, asked));
                                 });
     addWords(help, "COMMAND", "a command", "the command to explain",
              [text, &app](auto& names) { *text = helpOf(commandNamed(app, names)); });

@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -12,6 +11,7 @@
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "platform/standin/plist/value_on_tape.h"
+#include "program/output.h"
 #include "program/usage_error.h"
 #include "springboard/commands.h"
 #include "springboard/key_path.h"
@@ -75,13 +75,8 @@ PropertyListFile readList(const std::string& file) {
     return {name, *std::move(value)};
 }
 
-void putOut(const std::string& bytes) {
-    std::cout << bytes << std::flush;
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
-}
-
 void putTo(const std::string& file, const std::string& bytes) {
-    if (file == standardStream) return putOut(bytes);
+    if (file == standardStream) return print(bytes);
     if (!standin::writeFileAtomically(file, bytes)) {
         throw std::runtime_error(file + ": cannot be written");
     }
@@ -106,8 +101,8 @@ std::optional<Form> formNamed(const std::string& word) {
     throw UsageError(inQuotes(word) + " is no form: xml, binary or json");
 }
 
-void print(const Options& options, const std::string& file) {
-    putOut(bytesIn(formFor(options), readList(file)));
+void printFile(const Options& options, const std::string& file) {
+    print(bytesIn(formFor(options), readList(file)));
 }
 
 void get(const Options& options, const std::string& path, const std::string& name) {
@@ -116,7 +111,7 @@ void get(const Options& options, const std::string& path, const std::string& nam
     if (!found) throw std::runtime_error(file.name + ": nothing is at " + inQuotes(path));
     file.value = *std::move(found);
     const bool isWords = !options.json && containerIn(file.value) == nullptr;
-    putOut(isWords ? inWords(file.value) + '\n' : bytesIn(formFor(options), file));
+    print(isWords ? inWords(file.value) + '\n' : bytesIn(formFor(options), file));
 }
 
 /// What the words of a command say.
@@ -167,11 +162,11 @@ void addPlistCommands(CLI::App& app, Options& options) {
         addGroup(app, "plist", "read property lists, whatever device they are of", options);
     const auto words = std::make_shared<PlistWords>();
     addFile(addCommand(plist, "print", "print a property list in the XML form, or as JSON", options,
-                       [words](const Options& chosen) { print(chosen, words->file); }),
+                       [words](const Options& chosen) { printFile(chosen, words->file); }),
             words);
     addFile(addCommand(plist, "lint", "tell whether a file is a property list, or where it is none",
                        options,
-                       [words](const Options&) { putOut(readList(words->file).name + ": OK\n"); }),
+                       [words](const Options&) { print(readList(words->file).name + ": OK\n"); }),
             words);
     addConvert(plist, options);
     addGet(plist, options);

@@ -14,6 +14,7 @@
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "platform/standin/runtime/dictionary_file.h"
+#include "program/output.h"
 #include "program/suggestion.h"
 #include "program/usage_error.h"
 #include "springboard/arguments.h"
@@ -53,14 +54,7 @@ struct Setting {
     std::string word;
 };
 
-void checkPrinted() {
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
-}
-
-void printLine(const std::string& line) {
-    std::cout << line << std::endl;
-    checkPrinted();
-}
+void printLine(const std::string& line) { print(line + '\n'); }
 
 void tellUser(const std::string& remark) {
     if (!remark.empty()) std::cerr << "springboard: " << remark << '\n';
@@ -156,8 +150,7 @@ void exportPreferences(const Options& options, const fs::path& file) {
     const auto text = standin::rewritePropertyList(readPreferences(options));
     if (!text) throw std::runtime_error("the preferences take too much memory as text");
     if (file == "-") {
-        std::cout << *text << std::flush;
-        checkPrinted();
+        print(*text);
     } else if (!standin::writeFileAtomically(file, *text)) {
         throw std::runtime_error(file.string() + ": cannot be written");
     }

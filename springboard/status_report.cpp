@@ -6,12 +6,14 @@
 #include <iomanip>
 #include <iostream>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
 #include <string_view>
 
+#include "program/help_text.h"
+#include "program/output.h"
+#include "program/terminal.h"
+#include "program/wall_clock.h"
 #include "springboard/journal_words.h"
 #include "springboard/json.h"
-#include "springboard/messages.h"
 
 namespace quillet {
 
@@ -70,9 +72,15 @@ Json toJSON(const Status& status) {
     return object;
 }
 
+constexpr int nameWidth = 13;
+
 void line(const char* name, const std::string& text) {
-    constexpr int width = 13;
-    std::cout << std::left << std::setw(width) << name << text << '\n';
+    std::cout << std::left << std::setw(nameWidth) << name << text << '\n';
+}
+
+/// A line of words, which may become several.
+void lines(const char* name, const std::string& words) {
+    std::cout << std::left << std::setw(nameWidth) << name << wrapped(words, nameWidth);
 }
 
 std::string wordText(const std::optional<std::uint64_t>& word) {
@@ -95,7 +103,7 @@ std::string settingText(std::string_view word) {
 
 void printChoices(const Status& status) {
     const Choices& choices = status.choices;
-    line("Preferences", effectOf(choices, isIPod(status)));
+    lines("Preferences", effectOf(choices, isIPod(status)));
     line("", std::string{"ios-vibrate-pattern "} + choices.pattern);
     line("", std::string{"vibrate-when-off "} + choices.whenOff);
     line("", std::string{"vibrate-when-on "} + choices.whenOn);
@@ -106,8 +114,8 @@ void printWatchers(const Status& status) {
     const char* name = "Watched by";
     if (status.watchers.empty()) line(name, "nobody");
     for (const User& user : status.watchers) {
-        const std::string command = user.command.empty() ? "" : ", " + user.command;
-        line(name, user.program + '[' + std::to_string(user.process) + ']' + command);
+        const std::string command = user.command.empty() ? "" : ", " + printable(user.command);
+        lines(name, user.program + '[' + std::to_string(user.process) + ']' + command);
         name = "";
     }
 }
@@ -142,8 +150,7 @@ void report(const Status& status, bool json) {
     } else {
         printWords(status);
     }
-    std::cout << std::flush;
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
+    finishOutput();
 }
 
 }  // namespace quillet

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "program/output.h"
 #include "program/terminal.h"
 #include "springboard/arguments.h"
 #include "springboard/commands.h"
@@ -29,10 +30,6 @@ std::string painted(const std::string& line) {
     return line.starts_with('@') ? "\033[36m" + line + "\033[m" : line;
 }
 
-void checkOutput() {
-    if (!std::cout.flush()) throw std::runtime_error("standard output cannot be written");
-}
-
 /// Throws std::runtime_error when the calls of the two files differ, after it has printed where.
 void printDiff(const std::string& first, const std::string& second, Color color) {
     const ReadTrace before = readTrace(first);
@@ -46,7 +43,7 @@ void printDiff(const std::string& first, const std::string& second, Color color)
     lines.insert(lines.begin(), {head("--- ", first, before), head("+++ ", second, after)});
     const bool isColored = hasColors(color, STDOUT_FILENO);
     for (const std::string& line : lines) std::cout << (isColored ? painted(line) : line) << '\n';
-    checkOutput();
+    finishOutput();
     const auto differs = [](const DiffLine& line) { return line.side != DiffLine::Side::both; };
     throw std::runtime_error("the traces differ in " +
                              std::to_string(std::ranges::count_if(diff, differs)) + " lines");
@@ -91,8 +88,7 @@ void addTimeline(CLI::App& app, Options& options) {
         options, [asked](const Options& chosen) {
             const Timeline laidOut = layOut(readTrace(asked->file), timelineColumns);
             if (!asked->picture.empty()) return writeFile(asked->picture, timelineSVG(laidOut));
-            std::cout << timelineText(laidOut, hasColors(chosen.color, STDOUT_FILENO));
-            checkOutput();
+            print(timelineText(laidOut, hasColors(chosen.color, STDOUT_FILENO)));
         });
     addWord(timeline, "FILE.trace", "a trace",
             "what --trace=FILE.trace has written (default: standard input)",

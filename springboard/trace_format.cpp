@@ -8,6 +8,8 @@
 #include <string_view>
 #include <variant>
 
+#include "program/wall_clock.h"
+
 namespace quillet {
 
 using standin::TraceRecord;
@@ -85,9 +87,8 @@ Json headOf(const TraceRecord& record, double time) {
 }  // namespace
 
 Json toJSON(const TraceOrigin& origin) {
-    return {{"event", "trace"},      {"time", wallClockText(origin.start)},
-            {"pid", origin.process}, {"program", origin.program},
-            {"model", origin.model}, {"host", origin.host}};
+    return {{"event", "trace"},          {"time", isoTime(origin.start)}, {"pid", origin.process},
+            {"program", origin.program}, {"model", origin.model},         {"host", origin.host}};
 }
 
 Json toJSON(const TraceRecord& record) {
@@ -119,7 +120,7 @@ Json endToJSON(const TraceRecord& record, double duration) {
 }
 
 std::string toText(const TraceOrigin& origin) {
-    return "# " + wallClockText(origin.start) + ' ' + origin.program + ", process " +
+    return "# " + isoTime(origin.start) + ' ' + origin.program + ", process " +
            std::to_string(origin.process) + ", " + origin.model + ", " + origin.host;
 }
 

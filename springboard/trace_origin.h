@@ -3,15 +3,16 @@
 
 #include <sys/types.h>
 
-#include <chrono>
+#include <cstdint>
 #include <string>
 
 namespace quillet {
 
 /// Where a trace comes from: what its first record says.
 struct TraceOrigin {
-    /// The wall clock when the trace's own clock stood at 0.
-    std::chrono::system_clock::time_point start;
+    /// The wall clock when the trace's own clock stood at 0, in microseconds since
+    /// 1970-01-01T00:00:00Z.
+    std::int64_t start = 0;
     pid_t process = 0;
     std::string program;
     /// Of the device.
@@ -19,8 +20,5 @@ struct TraceOrigin {
     /// The words of --host.
     std::string host;
 };
-
-/// A point in time as in "2026-11-22T01:53:19.123Z".
-std::string wallClockText(std::chrono::system_clock::time_point time);
 
 }  // namespace quillet

@@ -9,9 +9,11 @@
 #include <utility>
 
 #include "platform/standin/device/root.h"
+#include "program/help_text.h"
+#include "program/terminal.h"
+#include "program/wall_clock.h"
 #include "springboard/journal_words.h"
 #include "springboard/json.h"
-#include "springboard/messages.h"
 
 namespace quillet {
 
@@ -85,8 +87,8 @@ void WatchReport::tellState(const JournalEntry& refreshed) {
 }
 
 void WatchReport::print(std::int64_t time, const std::string& what) const {
-    output_ << timeOfDay(time) << "  " << state_ << (state_ == "on" ? "   " : "  ") << what
-            << std::endl;
+    const std::string line = timeOfDay(time) + "  " + state_ + (state_ == "on" ? "   " : "  ");
+    output_ << line << wrapped(printable(what), line.size()) << std::flush;
 }
 
 std::string WatchReport::causeOf(const JournalEntry& posted) const {

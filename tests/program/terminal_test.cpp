@@ -63,6 +63,10 @@ TEST_F(Terminal, WhatIsAskedForCountsMoreThanWhereItGoes) {
     }
 }
 
+TEST(Printable, HasNoCharacterThatATerminalObeys) {
+    EXPECT_EQ(printable("a \x1b[31m\n\t\x7f \u00e9"), "a \\x1b[31m\\x0a\\x09\\x7f \u00e9");
+}
+
 TEST(BoldHeadings, AreTheLinesWithoutAnIndentThatEndWithAColon) {
     EXPECT_EQ(withBoldHeadings("Usage: a\n\nWords:\n  b:\n"),
               "Usage: a\n\n\033[1mWords:\033[m\n  b:\n");

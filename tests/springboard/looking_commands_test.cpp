@@ -127,6 +127,29 @@ TEST_F(Looking, TheLogIsInWordsAndWithin80Columns) {
     for (const std::string& line : linesOf(log)) EXPECT_LE(line.size(), 80U) << line;
 }
 
+TEST_F(Looking, ALongLineOfTheLogGoesOnBelowItsWords) {
+    const Words many(20, "words");
+    std::string value = "\x1b[31m";
+    for (const std::string& word : many) value += ' ' + word;
+    EXPECT_EQ(run({"prefs", "set", "a", value}).status, 0);
+    const std::string log = run({"log"}).output;
+    EXPECT_THAT(log, HasSubstr("]  changed: prefs set a \\x1b[31m words words"));
+    const Words lines = linesOf(log);
+    EXPECT_EQ(lines.back().substr(0, 39), std::string(lines[1].find("changed"), ' ') + "words")
+        << log;
+    for (const std::string& line : lines) EXPECT_LE(line.size(), 80U) << line;
+    EXPECT_THAT(run({"log", "--json"}).output, HasSubstr("\\u001b[31m"));
+}
+
+TEST_F(Looking, EveryLineOfAStatusIsWithin80Columns) {
+    write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}});
+    EXPECT_EQ(run({"model", "iPod5,1"}).status, 0);
+    const std::string status = run({"status"}).output;
+    EXPECT_THAT(status, HasSubstr("Preferences  buzzes when muted, not when unmuted; a flip takes "
+                                  "1.0 s, 0.25 s\n             more when unmuted\n"));
+    for (const std::string& line : linesOf(status)) EXPECT_LE(line.size(), 80U) << line;
+}
+
 TEST_F(Looking, TheLogMayBeOfTheLastTimeAlone) {
     expectOutput({"flip", "off"}, "off\n");
     EXPECT_THAT(run({"log", "--last", "0s"}).output, IsEmpty());

@@ -28,7 +28,7 @@ protected:
 
 /// The first line: where the trace comes from.
 const std::regex firstLine{
-    R"re(\{"event": "trace", "time": "20[0-9-]{8}T[0-9:]{8}\.[0-9]{3}Z", "pid": ([0-9]+), )re"
+    R"re(\{"event": "trace", "time": "20[0-9-]{8}T[0-9:]{8}\.[0-9]{6}Z", "pid": ([0-9]+), )re"
     R"re("program": "springboard", "model": "([^"]+)", "host": "([^"]+)"\})re"};
 
 /// A call: the time, the operation, perhaps a receiver, the arguments, perhaps a result and a

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "springboard/signals.h"
+#include "program/signals.h"
 
 #include <array>
 #include <atomic>
