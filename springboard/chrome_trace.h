@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <utility>
 
 #include "platform/standin/device/trace.h"
+#include "springboard/json.h"
 #include "springboard/trace_origin.h"
 
 namespace quillet {
@@ -20,11 +23,15 @@ public:
     /// Names the track.
     std::string name() const;
     /// A call begins, and ends at once unless it lasts.
-    std::string begin(const standin::TraceRecord& record) const;
-    std::string end(const standin::TraceRecord& record, double duration) const;
+    std::string begin(const standin::TraceRecord& record);
+    std::string end(const standin::TraceRecord& record, double duration);
 
 private:
+    Json eventOf(const char* phase, const standin::TraceRecord& record, double time);
+
     TraceOrigin origin_;
+    /// Of the last event: none is before it, however two of them are rounded.
+    std::int64_t last_ = 0;
 };
 
 }  // namespace quillet

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
-#include <signal.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <regex>
 #include <string>
 
@@ -18,7 +16,6 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::UnorderedElementsAreArray;
 
 /// What --trace writes, and where.
 class TraceOfACommand : public SpringBoard {
@@ -160,57 +157,6 @@ TEST_F(TraceOfACommand, TheTraceMayGoToStandardOutputBeforeTheState) {
     ASSERT_TRUE(outcome.output.ends_with("}\noff\n")) << outcome.output;
     EXPECT_THAT(operationsIn(outcome.output.substr(0, outcome.output.size() - 4)),
                 Contains("setRingerMuted:"));
-}
-
-/// The names of the events of a phase, in a document that must be whole.
-Words eventsOf(const std::string& document, const std::string& phase) {
-    Words names;
-    const auto events = nlohmann::json::parse(document, nullptr, false);
-    EXPECT_TRUE(events.is_array()) << document;
-    for (const auto& event : events) {
-        if (event.at("ph") == phase) names.push_back(event.at("name"));
-    }
-    return names;
-}
-
-TEST_F(TraceOfACommand, TheTraceMayBeADocumentForViewersWithABeginAndAnEndOfEachCall) {
-    write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}});
-    const Outcome outcome = run({"--trace=-", "--trace-format=chrome", "flip", "off"});
-    EXPECT_EQ(outcome.errors, "off\n") << "standard output is one document";
-    const Words begins = eventsOf(outcome.output, "B");
-    EXPECT_THAT(begins, Contains("<SBMediaController> setRingerMuted:"));
-    EXPECT_THAT(eventsOf(outcome.output, "E"), UnorderedElementsAreArray(begins));
-    EXPECT_THAT(eventsOf(outcome.output, "M"), ElementsAre("process_name", "process_labels"));
-    // Calls are closed in the opposite order of their opening.
-    Words open;
-    std::int64_t last = 0;
-    for (const auto& event : nlohmann::json::parse(outcome.output)) {
-        if (event.at("ph") == "M") continue;
-        EXPECT_GE(event.at("ts"), last - 2) << event;
-        last = event.at("ts");
-        if (event.at("ph") == "B") {
-            open.push_back(event.at("name"));
-            continue;
-        }
-        ASSERT_THAT(open, testing::Not(IsEmpty()));
-        EXPECT_EQ(event.at("name"), open.back());
-        open.pop_back();
-    }
-}
-
-TEST_F(TraceOfACommand, ADocumentForViewersIsWholeHoweverTheProcessEnds) {
-    write(preferencesPath, standin::Dictionary{{"ios-vibrate-pattern", false}});
-    const pid_t host =
-        start(QUILLET_SPRINGBOARD, {.words = {"--root", root(), "--trace=" + trace().string(),
-                                              "--trace-format=chrome", "flip", "off"},
-                                    .output = folder() / "output",
-                                    .errors = folder() / "errors"});
-    EXPECT_TRUE(becomesTrue([&] {
-        return fs::exists(trace()) && readText(trace()).find("runUntilDate:") != std::string::npos;
-    }));
-    kill(host, SIGKILL);
-    EXPECT_EQ(waitFor(host), -SIGKILL);
-    EXPECT_EQ(eventsOf(readText(trace()), "B").back(), "<NSRunLoop> runUntilDate:");
 }
 
 TEST_F(TraceOfACommand, AFlipOfASwitchThatVibratesItselfPlaysTheSound) {
