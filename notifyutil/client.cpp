@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "notifyutil/client.h"
 
-#include <array>
-#include <cstdio>
-#include <ctime>
 #include <iostream>
 #include <limits>
 #include <stdexcept>
 
 #include "platform/notify.h"
 #include "program/default_root.h"
+#include "program/output.h"
+#include "program/signals.h"
+#include "program/wall_clock.h"
 
 namespace quillet {
 
@@ -25,21 +25,6 @@ fs::path rootOf(const Request& request) {
     throw std::runtime_error(root.string() + ": no device; springboard makes one");
 }
 
-/// "14:03:09.042", in local time.
-std::string timeOfDay() {
-    using namespace std::chrono;
-    const auto now = system_clock::now();
-    const std::time_t seconds = system_clock::to_time_t(now);
-    std::tm local{};
-    localtime_r(&seconds, &local);
-    const auto fraction = duration_cast<milliseconds>(now.time_since_epoch()) % 1000;
-    std::array<char, 32> text;
-    const int length =
-        std::snprintf(text.data(), text.size(), "%02d:%02d:%02d.%03d", local.tm_hour, local.tm_min,
-                      local.tm_sec, static_cast<int>(fraction.count()));
-    return {text.data(), static_cast<std::size_t>(length)};
-}
-
 }  // namespace
 
 Client::Client(const Request& request)
@@ -47,18 +32,34 @@ Client::Client(const Request& request)
       device_{{.root = rootOf(request), .author = {"notifyutil", request.command}}} {}
 
 bool Client::run() {
-    for (const Operation& operation : request_.operations) perform(operation);
+    lookForSignal();
+    for (const Operation& operation : request_.operations) {
+        if (heldSignal() == 0) perform(operation);
+    }
     isAtEnd_ = true;
-    if (awaited_ > 0 && std::cout) waitForRest();
+    if (awaited_ > 0 && std::cout && heldSignal() == 0) waitForRest();
+    obeySignal();
     if (!device_.notifications.isInPlace()) {
         throw std::runtime_error(
             "the notification service was removed, replaced or damaged meanwhile");
     }
-    if (!std::cout) throw std::runtime_error("standard output cannot be written");
+    finishOutput();
     return !hasFailed_;
 }
 
 void Client::waitForRest() { device_.eventLoop.runUntil(std::numeric_limits<double>::infinity()); }
+
+void Client::lookForSignal() {
+    if (heldSignal() != 0) return device_.eventLoop.stop();
+    device_.eventLoop.at(device_.clock.now() + standin::EventLoop::betweenLooks,
+                         [this] { lookForSignal(); });
+}
+
+void Client::obeySignal() {
+    const int signal = heldSignal();
+    if (signal != 0) device_.journal.add("ended", standin::Told{"signal", signal});
+    obeyHeldSignal();
+}
 
 void Client::perform(const Operation& operation) {
     const std::string& name = operation.name;
@@ -128,7 +129,7 @@ void Client::report(const std::string& name, int token) const {
     }
     std::uint64_t state = 0;
     notify_get_state(token, &state);
-    std::cout << timeOfDay() << ' ' << name << ' ' << state << " observer" << std::endl;
+    std::cout << timeOfDay(timeNow()) << ' ' << name << ' ' << state << " observer" << std::endl;
 }
 
 }  // namespace quillet

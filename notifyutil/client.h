@@ -19,7 +19,8 @@ public:
 
     /// Does what is asked for, in its order, and then waits for the posts that are still to come.
     /// False when the service failed in something. Throws std::runtime_error when the service is
-    /// not what others have any more, or what is printed cannot be written.
+    /// not what others have any more, or what is printed cannot be written. Signals that
+    /// holdSignals holds end the waiting, and then the process.
     bool run();
 
 private:
@@ -34,6 +35,10 @@ private:
     /// Tells that `name` was posted. `token` is one of the name's.
     void report(const std::string& name, int token) const;
     void waitForRest();
+    /// Has the event loop stop when a signal has come.
+    void lookForSignal();
+    /// Ends the process by a signal that came, which the journal is told.
+    void obeySignal();
 
     const Request& request_;
     standin::Device device_;

@@ -9,6 +9,7 @@
 
 #include "notifyutil/client.h"
 #include "notifyutil/request.h"
+#include "program/signals.h"
 #include "program/standard_streams.h"
 #include "program/terminal.h"
 #include "program/usage_error.h"
@@ -80,6 +81,8 @@ int fulfil(const Request& request) {
         std::cerr << helpFor(STDERR_FILENO);
         return badUse;
     }
+    // Before the journal tells of a start, which is to have an end.
+    holdSignals();
     return Client{request}.run() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

@@ -5,9 +5,8 @@
 #include <filesystem>
 #include <regex>
 #include <string>
-#include <utility>
 
-#include "tests/springboard/springboard.h"
+#include "tests/notifyutil/notifyutil.h"
 
 namespace quillet::test {
 namespace {
@@ -18,73 +17,6 @@ using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
 
 const std::string tooLongName(240, 'n');
-
-/// Runs `notifyutil` as a user does, beside `springboard`.
-class NotifyUtil : public SpringBoard {
-protected:
-    ~NotifyUtil() override {
-        if (waiting_ == 0) return;
-        ::kill(waiting_, SIGKILL);
-        waitFor(waiting_);
-    }
-
-    Outcome notify(Words words, const fs::path& output = {}) {
-        words.insert(words.begin(), {"--root", root()});
-        return notifyBare({.words = words, .output = output, .errors = {}});
-    }
-
-    /// The same without --root.
-    Outcome notifyBare(Start how) {
-        if (how.output.empty()) how.output = folder() / "notify.output";
-        how.errors = folder() / "notify.errors";
-        const int status = waitFor(start(QUILLET_NOTIFYUTIL, how));
-        const bool isFile = fs::is_regular_file(how.output);
-        return {status, isFile ? readText(how.output) : "", readText(how.errors)};
-    }
-
-    void expectPrinted(const Words& words, const std::string& output) {
-        const Outcome outcome = notify(words);
-        EXPECT_EQ(outcome.status, 0) << testing::PrintToString(words);
-        EXPECT_EQ(outcome.output, output) << testing::PrintToString(words);
-        EXPECT_EQ(outcome.errors, "") << testing::PrintToString(words);
-    }
-
-    void expectRefused(const Words& words, const std::string& message) {
-        const Outcome outcome = notify(words);
-        EXPECT_EQ(outcome.status, 2) << testing::PrintToString(words);
-        EXPECT_EQ(outcome.output, "") << testing::PrintToString(words);
-        EXPECT_EQ(outcome.errors, "notifyutil: " + message + "\nTry \"notifyutil --help\".\n");
-    }
-
-    /// Starts `notifyutil` with words that have it wait for posts, and lets it.
-    void beginToWait(Words words) {
-        words.insert(words.begin(), {"--root", root()});
-        words.insert(words.end(), {"-g", "registered"});
-        waiting_ = start(QUILLET_NOTIFYUTIL,
-                         {.words = words, .output = reports(), .errors = folder() / "errors"});
-        EXPECT_THAT(reported(0), ElementsAre());
-    }
-
-    /// What was reported to the one that waits, once it is `count` lines.
-    Words reported(std::size_t count) {
-        EXPECT_TRUE(becomesTrue([&] { return linesOf(readText(reports())).size() > count; }));
-        Words lines = linesOf(readText(reports()));
-        EXPECT_EQ(lines.front(), "registered 0");
-        lines.erase(lines.begin());
-        return lines;
-    }
-
-    int endWaiting() { return waitFor(std::exchange(waiting_, 0)); }
-    int endWaiting(int signal) {
-        ::kill(waiting_, signal);
-        return endWaiting();
-    }
-
-private:
-    fs::path reports() const { return folder() / "reports"; }
-
-    pid_t waiting_ = 0;
-};
 
 TEST_F(NotifyUtil, PrintsTheStateOfANameAndSetsIt) {
     expectPrinted({"-g", ringerStateName}, std::string{ringerStateName} + " 1\n");
