@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "notifyutil/request.h"
 
+#include <algorithm>
 #include <charconv>
 #include <map>
 #include <optional>
 #include <string_view>
 #include <utility>
 
+#include "notifyutil/options.h"
 #include "program/suggestion.h"
 #include "program/usage_error.h"
 
@@ -23,8 +25,6 @@ constexpr char noServer[] = "no process serves the names here; they are in a fil
 const std::map<std::string_view, const char*> refused = {
     {"-port", oneKind},     {"-file", oneKind}, {"-check", oneKind}, {"-signal", oneKind},
     {"-dispatch", oneKind}, {"-M", noServer},   {"-R", noServer}};
-
-const Words longOptions = {"--root", "--color", "--help", "--version"};
 
 template <class Number>
 std::optional<Number> numberIn(std::string_view digits) {
@@ -48,11 +48,13 @@ public:
 
     Request read() {
         while (rest_ != end_ && request_.kind == Request::Kind::operations) {
+            const auto first = rest_;
             const std::string& word = *rest_++;
             if (word.starts_with("--")) {
                 takeLong(word);
             } else if (word.starts_with('-')) {
                 takeShort(word);
+                std::for_each(first, rest_, [this](auto& taken) { keep(taken); });
             } else {
                 throw UsageError("unexpected word: " + inQuotes(word));
             }
@@ -62,6 +64,10 @@ public:
 
 private:
     using Kind = Operation::Kind;
+
+    void keep(const std::string& word) {
+        request_.command.append(request_.command.empty() ? "" : " ").append(word);
+    }
 
     void takeShort(const std::string& word) {
         if (word == "-p") {
@@ -106,12 +112,15 @@ private:
             if (request_.root.empty()) throw UsageError("--root needs a name");
         } else if (name == "--color") {
             request_.color = color(argument());
+        } else if (name == "--completion") {
+            request_.kind = Request::Kind::completion;
+            request_.shell = argument();
         } else if (word == "--help") {
             request_.kind = Request::Kind::help;
         } else if (word == "--version") {
             request_.kind = Request::Kind::version;
         } else {
-            throw UsageError("no such option: " + inQuotes(word) + suggestion(name, longOptions));
+            throw UsageError("no such option: " + inQuotes(word) + suggestion(name, longOptions()));
         }
     }
 
@@ -154,12 +163,6 @@ private:
 
 }  // namespace
 
-Request readRequest(const Words& words) {
-    Request request = Reader{words}.read();
-    for (const std::string& word : words) {
-        request.command.append(request.command.empty() ? "" : " ").append(word);
-    }
-    return request;
-}
+Request readRequest(const Words& words) { return Reader{words}.read(); }
 
 }  // namespace quillet

@@ -26,7 +26,7 @@ struct Operation {
 
 /// What a command line asks for.
 struct Request {
-    enum class Kind { help, version, operations };
+    enum class Kind { help, version, completion, operations };
 
     Kind kind = Kind::operations;
     /// In their order. None when the command line has none.
@@ -38,7 +38,9 @@ struct Request {
     /// After each post.
     std::chrono::milliseconds pause{100};
     Color color = Color::automatic;
-    /// The words of the line, for whoever asks what was done.
+    /// To be completed for.
+    std::string shell;
+    /// The words of the line but for the long options, for whoever asks what was done.
     std::string command;
 };
 

@@ -5,12 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "program/completion.h"
 #include "program/help_text.h"
 #include "program/output.h"
 #include "springboard/arrange.h"
 #include "springboard/commands.h"
-#include "springboard/completion.h"
 #include "springboard/help.h"
+#include "springboard/offers.h"
 
 namespace quillet {
 
@@ -27,8 +28,9 @@ void addCompletion(CLI::App& app, Options& options) {
     CLI::App& command =
         addCommand(app, "completion", "print a script by which a shell completes command lines",
                    options, [script](const Options&) { print(*script); });
-    addNeededWord(command, "bash|zsh|fish", "a shell", "the shell",
-                  [script, &app](auto& shell) { *script = completionScript(app, shell); });
+    addNeededWord(command, "bash|zsh|fish", "a shell", "the shell", [script, &app](auto& shell) {
+        *script = completionScript(offersOf(app), shell);
+    });
     explain(command, completionFooter);
 }
 

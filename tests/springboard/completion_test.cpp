@@ -20,21 +20,25 @@ using ::testing::Not;
 class Completion : public SpringBoard {
 protected:
     /// Printed when it is first asked for.
-    fs::path scriptFor(const std::string& shell) {
-        const fs::path script = folder() / ("springboard." + shell);
+    fs::path scriptFor(const std::string& shell, const std::string& program = "springboard") {
+        const fs::path script = folder() / (program + '.' + shell);
         if (fs::exists(script)) return script;
-        const Outcome outcome = run({"completion", shell});
-        EXPECT_EQ(outcome.status, 0) << outcome.errors;
-        writeText(script, outcome.output);
+        const bool isHost = program == "springboard";
+        const int status = waitFor(start(isHost ? QUILLET_SPRINGBOARD : QUILLET_NOTIFYUTIL,
+                                         {.words = {isHost ? "completion" : "--completion", shell},
+                                          .output = script,
+                                          .errors = folder() / "completion.errors"}));
+        EXPECT_EQ(status, 0) << program << ' ' << shell;
         return script;
     }
 
     /// What bash offers at the end of the line that these words are, the last of them begun.
-    Words offered(const Words& words) {
-        std::string line = "source " + scriptFor("bash").string() + "; COMP_WORDS=(springboard";
+    Words offered(const Words& words, const std::string& program = "springboard") {
+        std::string line =
+            "source " + scriptFor("bash", program).string() + "; COMP_WORDS=(" + program;
         for (const std::string& word : words) line += " '" + word + "'";
-        line += "); COMP_CWORD=" + std::to_string(words.size()) +
-                "; _springboard; printf \"%s\\n\" \"${COMPREPLY[@]}\"";
+        line += "); COMP_CWORD=" + std::to_string(words.size()) + "; _" + program +
+                "; printf \"%s\\n\" \"${COMPREPLY[@]}\"";
         writeText(folder() / "line", line);
         const Outcome outcome = runInShell("bash line", folder());
         EXPECT_EQ(outcome.errors, "") << testing::PrintToString(words);
@@ -128,6 +132,31 @@ TEST_F(Completion, IsTheSameForFish) {
                         "__fish_seen_subcommand_from read set unset import export' -a read")));
     if (!isInstalled("fish")) return;
     EXPECT_EQ(runInShell("fish -n " + script.string()).errors, "");
+}
+
+TEST_F(Completion, IsThereForNotifyutilToo) {
+    const std::string program = "notifyutil";
+    const std::string name = "com.apple.springboard.ringerstate";
+    EXPECT_THAT(offered({"-"}, program), AllOf(Contains("-p"), Contains("-1"), Contains("--root")));
+    for (const char* const option : {"-p", "-g", "-s", "-w", "-1"}) {
+        EXPECT_THAT(offered({"-v", option, "com.ap"}, program), ElementsAre(name)) << option;
+    }
+    EXPECT_THAT(offered({"-p", name, "--color", "n"}, program), ElementsAre("never"));
+    EXPECT_THAT(offered({"-z", ""}, program), ElementsAre(""));
+    fs::create_directory(folder() / "a folder");
+    EXPECT_THAT(offered({"--root", "a"}, program), ElementsAre("a folder"));
+    EXPECT_THAT(
+        readText(scriptFor("zsh", program)),
+        AllOf(HasSubstr("#compdef notifyutil\n"),
+              HasSubstr(" '*-p[post NAME]:NAME:(" + name + ")'"),
+              HasSubstr(" '-q[print nothing but what -g prints]'"),
+              HasSubstr(" '--color=[auto (default), always or never]:WHEN:(auto always never)'")));
+    EXPECT_THAT(readText(scriptFor("fish", program)),
+                HasSubstr("complete -c notifyutil -s p -x -a '" + name + "' -d 'post NAME'\n"));
+    for (const std::string shell : {"zsh", "fish"}) {
+        if (!isInstalled(shell)) continue;
+        EXPECT_EQ(runInShell(shell + " -n " + scriptFor(shell, program).string()).errors, "");
+    }
 }
 
 TEST_F(Completion, IsForThreeShells) {

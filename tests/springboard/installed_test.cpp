@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <regex>
+#include <string>
 #include <utility>
 
 #include "tests/springboard/springboard.h"
@@ -54,6 +56,10 @@ TEST_F(Installed, ShellsFindWhatCompletesItsCommandLines) {
         {"fish", "fish/vendor_completions.d/springboard.fish"}};
     for (const auto& [shell, script] : scripts) {
         EXPECT_EQ(readText(prefix() / "share" / script), run({"completion", shell}).output);
+        const std::string other =
+            std::regex_replace(script, std::regex{"springboard"}, "notifyutil");
+        EXPECT_EQ(runProgram(QUILLET_NOTIFYUTIL, {"--completion", shell}), 0);
+        EXPECT_EQ(readText(prefix() / "share" / other), printed()) << other;
     }
 }
 

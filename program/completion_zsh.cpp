@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "springboard/completion.h"
+#include "program/completion.h"
 
 namespace quillet {
 
@@ -23,15 +23,24 @@ std::string actionFor(const OfferedArgument& argument) {
     return argument.words.empty() ? action + ' ' : action + '(' + spaced(argument.words) + ')';
 }
 
+/// Where the argument of an option stands: behind "=" or in the next word, behind a letter in the
+/// next word.
+const char* signFor(const OfferedOption& option, const std::string& name) {
+    if (!option.hasArgument || !name.starts_with("--")) return "";
+    return option.isArgumentOptional ? "=-" : "=";
+}
+
+std::string argumentFor(const OfferedOption& option) {
+    if (!option.hasArgument) return "";
+    return (option.isArgumentOptional ? "::" : ":") + actionFor(option.argument);
+}
+
 std::string specifications(const std::vector<OfferedOption>& options) {
     std::string text;
     for (const OfferedOption& option : options) {
-        const char* const colons = option.isArgumentOptional ? "::" : ":";
-        const char* const sign = option.isArgumentOptional ? "=-" : "=";
         for (const std::string& name : option.names) {
-            text +=
-                ' ' + quoted(name + (option.hasArgument ? sign : "") + bracketed(option.meaning) +
-                             (option.hasArgument ? colons + actionFor(option.argument) : ""));
+            text += ' ' + quoted((option.mayRepeat ? "*" : "") + name + signFor(option, name) +
+                                 bracketed(option.meaning) + argumentFor(option));
         }
     }
     return text;

@@ -4,17 +4,9 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}  // namespace CLI
-
 namespace quillet {
 
-/// The script by which `shell`, "bash", "zsh" or "fish", completes command lines of the program
-/// `app`. Throws UsageError for another shell.
-std::string completionScript(const CLI::App& app, const std::string& shell);
-
-// What completion offers: the program's description without the library that holds it.
+// What shells complete the command lines of a program with, as its help has it.
 
 /// For an argument of an option, or a word of a command.
 struct OfferedArgument {
@@ -32,6 +24,8 @@ struct OfferedOption {
     bool hasArgument = false;
     /// The argument may be left out, and stands behind "=".
     bool isArgumentOptional = false;
+    /// It means something to give it several times.
+    bool mayRepeat = false;
     OfferedArgument argument = {};
 };
 
@@ -45,13 +39,16 @@ struct OfferedCommand {
     std::vector<OfferedCommand> commands = {};
 };
 
-OfferedCommand offersOf(const CLI::App& app);
-
-// The scripts for `program`.
+/// The script by which `shell` completes command lines of `program`. Throws UsageError for a shell
+/// that is neither bash nor zsh nor fish.
+std::string completionScript(const OfferedCommand& program, const std::string& shell);
 
 std::string bashCompletion(const OfferedCommand& program);
 std::string zshCompletion(const OfferedCommand& program);
 std::string fishCompletion(const OfferedCommand& program);
+
+/// `meaning` as it is read in a line beside others.
+std::string inShort(const std::string& meaning);
 
 /// `text` as one word of any of the shells: in single quotes.
 std::string quoted(const std::string& text);

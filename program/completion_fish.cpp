@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "springboard/completion.h"
+#include "program/completion.h"
 
 namespace quillet {
 

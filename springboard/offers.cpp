@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "springboard/completion.h"
+#include "springboard/offers.h"
 
 #include <CLI/App.hpp>
 #include <algorithm>
@@ -7,7 +7,6 @@
 #include <sstream>
 #include <string_view>
 
-#include "program/usage_error.h"
 #include "springboard/arrange.h"
 
 namespace quillet {
@@ -20,11 +19,6 @@ std::vector<std::string> split(const std::string& list, char separator) {
     std::istringstream rest{list};
     for (std::string word; std::getline(rest, word, separator);) words.push_back(word);
     return words;
-}
-
-/// What a user reads in a line beside others.
-std::string inShort(const std::string& meaning) {
-    return meaning.substr(0, std::min(meaning.find(';'), meaning.find(" (default:")));
 }
 
 bool isWord(const std::string& text) {
@@ -79,34 +73,8 @@ OfferedCommand offersOf(const CLI::App& app) {
          app.get_subcommands([](const CLI::App*) { return true; })) {
         offers.commands.push_back(offersOf(*command));
     }
+    offerCommands(offers);
     return offers;
-}
-
-std::string completionScript(const CLI::App& app, const std::string& shell) {
-    OfferedCommand program = offersOf(app);
-    offerCommands(program);
-    if (shell == "bash") return bashCompletion(program);
-    if (shell == "zsh") return zshCompletion(program);
-    if (shell == "fish") return fishCompletion(program);
-    throw UsageError("neither bash nor zsh nor fish: " + inQuotes(shell));
-}
-
-std::string quoted(const std::string& text) {
-    std::string word = "'";
-    for (const char letter : text) {
-        if (letter == '\'') {
-            word += R"('\'')";
-        } else {
-            word += letter;
-        }
-    }
-    return word + '\'';
-}
-
-std::string spaced(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-    return text;
 }
 
 }  // namespace quillet

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <map>
 
-#include "springboard/completion.h"
+#include "program/completion.h"
 
 namespace quillet {
 
@@ -119,7 +119,7 @@ std::string bashCompletion(const OfferedCommand& program) {
     const BashCases cases{program};
     std::string walk = bashWalk;
     replaceAll(walk, "@AWAITING@", cases.awaiting);
-    replaceAll(walk, "@COMMANDS@", cases.commands);
+    replaceAll(walk, "@COMMANDS@", cases.commands.empty() ? "''" : cases.commands);
     std::string arguments;
     for (const auto& [name, action] : cases.arguments) arguments += line(name, action);
     const std::string function = '_' + program.name;
