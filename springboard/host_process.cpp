@@ -33,6 +33,12 @@ bool traceIsOutput(const Options& options) {
     return options.traceFile == "-" && options.traceFormat == TraceFormat::chrome;
 }
 
+/// The switch's own reading has said what is to be said of the files.
+PhoneNow lookQuietly(const standin::Device& device) {
+    standin::Complaints unsaid;
+    return lookAt(device.root, device.hardware, unsaid);
+}
+
 /// What the wall clock showed when this clock was made.
 std::int64_t startOf(const standin::Clock& clock) {
     return timeNow() - std::llround(clock.now() * double{microsecondsPerSecond});
@@ -123,12 +129,12 @@ FSSwitchState HostProcess::send(std::optional<std::int32_t> state) {
     holdSignals();
     if (story_ != nullptr) {
         listen();
-        story_->open(device_.clock.now(), device_.machine, lookAt(device_));
+        story_->open(device_.clock.now(), device_.machine, lookQuietly(device_));
     }
     sendMessage(state);
     const double end = device_.clock.now();
     const FSSwitchState now = this->state();
-    if (story_ != nullptr) story_->close(end, wordFor(now), lookAt(device_));
+    if (story_ != nullptr) story_->close(end, wordFor(now), lookQuietly(device_));
     checkService();
     return now;
 }

@@ -4,22 +4,35 @@
 #include <optional>
 #include <string>
 
-#include "platform/standin/device/device.h"
+#include "platform/standin/device/complaints.h"
+#include "platform/standin/device/hardware.h"
+#include "platform/standin/device/root.h"
+#include "platform/standin/device/vibration_settings.h"
 
 namespace quillet {
 
-/// What a flip may change on a phone, as it stands.
-struct PhoneNow {
-    bool isMuted = false;
-    std::optional<float> volume;
-    /// SpringBoard's vibration settings; nothing where there is none.
-    std::optional<bool> ring;
-    std::optional<bool> silent;
-    /// What an iPod has in its preferences to come back to.
-    std::optional<float> keptVolume;
+/// The user's choices as a file has them: each "true", "false", "absent" or "odd".
+struct Choices {
+    const char* pattern = "absent";
+    const char* whenOff = "absent";
+    const char* whenOn = "absent";
+    /// The volume that is kept, if one is.
+    std::optional<float> volume = {};
 };
 
-PhoneNow lookAt(const standin::Device& device);
+/// How a phone stands: what a flip may change, and what decides.
+struct PhoneNow {
+    /// Nothing when the hardware's file cannot be read, or has none.
+    std::optional<bool> isMuted;
+    std::optional<float> volume;
+    Choices choices;
+    standin::VibrationSettings vibration;
+};
+
+/// `hardware` is that of the device at `root`. `complaints` hears of files that hold no property
+/// list.
+PhoneNow lookAt(const standin::DeviceRoot& root, const standin::Hardware& hardware,
+                standin::Complaints& complaints);
 
 /// "ringer muted, volume 0.75, vibration: ring on, silent on"
 std::string inWords(const PhoneNow& phone);

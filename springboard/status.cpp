@@ -1,39 +1,23 @@
 // SPDX-License-Identifier: MIT
 #include "springboard/status.h"
 
-#include <filesystem>
 #include <string_view>
 
 #include "platform/standin/device/complaints.h"
 #include "platform/standin/device/hardware.h"
 #include "platform/standin/device/root.h"
 #include "platform/standin/notifications/notification_table.h"
-#include "platform/standin/plist/readings.h"
 #include "springboard/messages.h"
 #include "springboard/phone.h"
-#include "springboard/preferences.h"
 #include "springboard/processes.h"
 #include "springboard/status_report.h"
 
 namespace quillet {
 
-namespace fs = std::filesystem;
 using standin::DeviceRoot;
 using standin::JournalEntry;
 
 namespace {
-
-Choices choicesIn(const standin::Dictionary& file) {
-    const auto kept = file.find("ringtone-volume");
-    return {standin::flagWord(file, "ios-vibrate-pattern"),
-            standin::flagWord(file, "vibrate-when-off"), standin::flagWord(file, "vibrate-when-on"),
-            kept ? standin::floatValue(*kept) : std::nullopt};
-}
-
-/// What the device takes the file for.
-standin::Dictionary dictionaryIn(const fs::path& file, standin::Complaints& complaints) {
-    return standin::readDictionary(file, complaints).value_or(standin::Dictionary{});
-}
 
 /// Those who have the device open for longer than a flip takes.
 std::vector<User> watchersOf(const DeviceRoot& root, const Processes& processes) {
@@ -47,11 +31,11 @@ std::vector<User> watchersOf(const DeviceRoot& root, const Processes& processes)
     return watchers;
 }
 
-void readHardware(Status& status, const DeviceRoot& root, standin::Complaints& complaints) {
+PhoneNow readPhone(const DeviceRoot& root, standin::Complaints& complaints) {
     const standin::Hardware hardware{root.below(DeviceRoot::hardwarePath), &complaints};
-    status.volume = hardware.volume("Ringtone");
-    const bool isMuted = hardware.isRingerMuted();
-    if (complaints.isEmpty()) status.isMuted = isMuted;
+    PhoneNow phone = lookAt(root, hardware, complaints);
+    if (!complaints.isEmpty()) phone.isMuted.reset();
+    return phone;
 }
 
 void readJournal(Status& status, const DeviceRoot& root) {
@@ -60,7 +44,7 @@ void readJournal(Status& status, const DeviceRoot& root) {
     for (const JournalEntry& entry : entries) processes.take(entry);
     status.watchers = watchersOf(root, processes);
     const std::string_view off = "false";
-    const bool areOff = status.vibration.ring == off && status.vibration.silent == off;
+    const bool areOff = status.phone.vibration.ring == off && status.phone.vibration.silent == off;
     if (areOff && !status.isFlipping) status.leftOff = leftOffIn(entries);
 }
 
@@ -112,12 +96,9 @@ void printStatus(const Options& options) {
     standin::NotificationTable table{root.below(DeviceRoot::notificationsPath)};
     const auto* const word = table.find(DeviceRoot::ringerStateName);
     if (word != nullptr) status.word = word->state.load();
-    readHardware(status, root, complaints);
-    status.choices = choicesIn(dictionaryIn(root.below(preferencesPath), complaints));
     // Asked before the settings are: a flip that ends in between has put them back.
     status.isFlipping = isTurnTaken(root.path());
-    status.vibration = standin::VibrationSettings::in(
-        dictionaryIn(root.below(standin::VibrationSettings::path), complaints));
+    status.phone = readPhone(root, complaints);
     readJournal(status, root);
     report(status, options.json);
     if (!complaints.isEmpty()) throw AlreadySaid{};

@@ -8,19 +8,10 @@
 
 #include "platform/standin/device/device_facts.h"
 #include "platform/standin/device/journal_reader.h"
-#include "platform/standin/device/vibration_settings.h"
 #include "springboard/options.h"
+#include "springboard/phone_now.h"
 
 namespace quillet {
-
-/// The user's choices as a file has them: each "true", "false", "absent" or "odd".
-struct Choices {
-    const char* pattern = "absent";
-    const char* whenOff = "absent";
-    const char* whenOn = "absent";
-    /// The volume that is kept, if one is.
-    std::optional<float> volume = {};
-};
 
 /// Settings that a flip which never ended has left off.
 struct LeftOff {
@@ -45,11 +36,7 @@ struct Status {
     standin::DeviceFacts facts;
     /// Nothing when the service does not have the name.
     std::optional<std::uint64_t> word;
-    /// Nothing when the hardware's file cannot be read, or has none.
-    std::optional<bool> isMuted;
-    std::optional<float> volume;
-    Choices choices;
-    standin::VibrationSettings vibration;
+    PhoneNow phone;
     std::vector<User> watchers;
     bool isFlipping = false;
     std::optional<LeftOff> leftOff;

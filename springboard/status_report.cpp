@@ -50,22 +50,22 @@ Json leftOffOf(const Status& status) {
 }
 
 Json toJSON(const Status& status) {
-    const Choices& choices = status.choices;
+    const Choices& choices = status.phone.choices;
     Json object = {{"time", isoTime(timeNow())}, {"pid", getpid()},
                    {"program", "springboard"},   {"event", "status"},
                    {"root", status.root},        {"model", status.facts.machine}};
     object["host"] = textOf(status.facts.host);
     object["state"] = status.word == 1U ? "on" : "off";
     object["word"] = orNull(status.word);
-    object["muted"] = orNull(status.isMuted);
-    object["volume"] = orNull(status.volume);
+    object["muted"] = orNull(status.phone.isMuted);
+    object["volume"] = orNull(status.phone.volume);
     object["preferences"] = {{"ios-vibrate-pattern", flagOf(choices.pattern)},
                              {"vibrate-when-off", flagOf(choices.whenOff)},
                              {"vibrate-when-on", flagOf(choices.whenOn)},
                              {"ringtone-volume", orNull(choices.volume)}};
     object["effect"] = effectOf(choices, isIPod(status));
-    object["ring-vibrate"] = flagOf(status.vibration.ring);
-    object["silent-vibrate"] = flagOf(status.vibration.silent);
+    object["ring-vibrate"] = flagOf(status.phone.vibration.ring);
+    object["silent-vibrate"] = flagOf(status.phone.vibration.silent);
     object["watchers"] = watchersOf(status);
     object["flipping"] = status.isFlipping;
     object["left-off"] = leftOffOf(status);
@@ -102,7 +102,7 @@ std::string settingText(std::string_view word) {
 }
 
 void printChoices(const Status& status) {
-    const Choices& choices = status.choices;
+    const Choices& choices = status.phone.choices;
     lines("Preferences", effectOf(choices, isIPod(status)));
     line("", std::string{"ios-vibrate-pattern "} + choices.pattern);
     line("", std::string{"vibrate-when-off "} + choices.whenOff);
@@ -134,10 +134,10 @@ void printWords(const Status& status) {
     line("Model", status.facts.machine);
     line("Host", textOf(status.facts.host));
     line("Ringer", wordText(status.word));
-    line("", mutedText(status.isMuted) + ", volume " + numberText(status.volume));
+    line("", mutedText(status.phone.isMuted) + ", volume " + numberText(status.phone.volume));
     printChoices(status);
-    line("SpringBoard", "ring-vibrate " + settingText(status.vibration.ring));
-    line("", "silent-vibrate " + settingText(status.vibration.silent));
+    line("SpringBoard", "ring-vibrate " + settingText(status.phone.vibration.ring));
+    line("", "silent-vibrate " + settingText(status.phone.vibration.silent));
     printWatchers(status);
     printLeftOff(status);
 }

@@ -114,7 +114,8 @@ void Story::close(double time, const std::string& word, const PhoneNow& phone) {
 }
 
 std::string Story::outcome() const {
-    const std::string ringer = after_.isMuted ? "The ringer is muted" : "The ringer is not muted";
+    const std::string ringer =
+        after_.isMuted.value_or(false) ? "The ringer is muted" : "The ringer is not muted";
     const std::string unset = isMuteSet_ ? "" : ", as the host has nobody who answers for it";
     const std::string time =
         duration_ < 0.1 ? fixed(duration_ * 1000, 1, 0) + " ms" : fixed(duration_, 2, 0) + " s";
