@@ -61,12 +61,13 @@ protected:
         return becomesTrue([&] { return outputOf(name).find(text) != std::string::npos; });
     }
 
-    /// A flip off that is killed in its first wait, the user's settings put aside.
-    pid_t killAmidAFlip() {
+    /// A flip off that is stopped in its first wait, the user's settings put aside.
+    pid_t stopAmidAFlip() {
         write(preferencesPath, Dictionary{{"ios-vibrate-pattern", false}});
         const pid_t process = begin({"--trace", "flip", "off"}, "killed");
         EXPECT_TRUE(becomesTrue(
             [&] { return errorsOf("killed").find("runUntilDate:") != std::string::npos; }));
+        ::kill(process, SIGSTOP);  // So that it does not end meanwhile.
         return process;
     }
 
@@ -170,7 +171,7 @@ TEST_F(Looking, TheLogIsFollowedUntilTheDeviceGoes) {
 }
 
 TEST_F(Looking, WhoIsKilledHasDied) {
-    const pid_t killed = killAmidAFlip();
+    const pid_t killed = stopAmidAFlip();
     EXPECT_THAT(eventsIn(run({"--json", "log"}).output), Not(Contains("died"))) << "it lives";
     kill(killed, SIGKILL);
     const auto told = parsed(run({"--json", "log"}).output);
@@ -255,7 +256,7 @@ TEST_F(Looking, TheStatusTellsWhoWatches) {
 }
 
 TEST_F(Looking, TheStatusTellsWhatAKilledFlipHasLeftOff) {
-    const pid_t killed = killAmidAFlip();
+    const pid_t killed = stopAmidAFlip();
     EXPECT_EQ(status()["flipping"], true);
     EXPECT_EQ(status()["left-off"], Json(nullptr)) << "it may yet put them back";
     kill(killed, SIGKILL);
