@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -17,6 +18,7 @@
 #include "platform/standin/device/journal_reader.h"
 #include "platform/standin/files/descriptor.h"
 #include "tests/support/child.h"
+#include "tests/support/no_room.h"
 #include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
 
@@ -189,6 +191,41 @@ TEST_F(JournalFile, ThatCannotBeWrittenIsComplainedOfOnce) {
     journal.add("event");
     journal.add("event");
     EXPECT_THAT(said, ElementsAre(path().string() + ": cannot be written: Is a directory"));
+}
+
+TEST_F(JournalFile, WithoutRoomForALineIsComplainedOf) {
+    std::vector<std::string> said;
+    Complaints complaints{[&](const std::string& text) { said.push_back(text); }};
+    Journal journal{{"program", ""}, path(), complaints};
+    const NoRoom noRoom;
+    journal.add("event");
+    EXPECT_THAT(said, ElementsAre(path().string() + ": cannot be written: File too large"));
+    EXPECT_THAT(entries(), IsEmpty());
+}
+
+TEST_F(JournalFile, ThatIsNoFileIsComplainedOfThoughSomebodyReadsIt) {
+    std::vector<std::string> said;
+    Complaints complaints{[&](const std::string& text) { said.push_back(text); }};
+    ASSERT_EQ(::mkfifo(path().c_str(), 0600), 0);
+    const standin::Descriptor reader{::open(path().c_str(), O_RDONLY | O_NONBLOCK)};
+    Journal journal{{"program", ""}, path(), complaints};
+    journal.add("event");
+    EXPECT_THAT(said, ElementsAre(path().string() + ": cannot be written: Invalid argument"));
+    EXPECT_THAT(entries(), IsEmpty());
+}
+
+TEST_F(JournalFile, OfWhichLinesHaveAnotherFormIsReadWithoutThem) {
+    const std::string sound = "1 2 3 program event key=a%3db%";
+    std::string text;
+    for (const char* const line :
+         {"", " .", "1 2 3 program .", "x 2 3 program event .", "1 2x 3 program event .",
+          "1 2 -3 program event .", "1 2 3 program event key .", "1 2 3 program event key=a"}) {
+        text.append(line).append("\n");
+    }
+    writeText(path(), text + sound + " .\n");
+    const auto told = entries();
+    ASSERT_THAT(told, SizeIs(1));
+    EXPECT_EQ(told[0].details, (Details{{"key", "a=b%"}}));
 }
 
 TEST_F(JournalFile, OfADeviceThatIsGoneIsNotMadeAgain) {

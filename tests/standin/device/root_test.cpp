@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/device/root.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
@@ -25,6 +25,15 @@ protected:
         return DeviceRoot{path()};
     }
 
+    void expectRefused(const std::string& reason) const {
+        try {
+            const DeviceRoot root{path()};
+            ADD_FAILURE() << "not refused";
+        } catch (const std::runtime_error& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr(reason));
+        }
+    }
+
 private:
     TemporaryFolder folder_;
 };
@@ -43,6 +52,14 @@ TEST_F(Root, AnEmptyFolderIsRefusedAndNotFilled) {
 TEST_F(Root, AFileIsRefused) {
     std::ofstream{path()} << "a file of the user's";
     EXPECT_THROW(DeviceRoot{path()}, std::runtime_error);
+}
+
+TEST_F(Root, OfADeviceWhoseStateIsLostOrCannotBeLookedAtIsRefusedAndSaysSo) {
+    const fs::path table = newPhone().below(DeviceRoot::notificationsPath);
+    fs::remove(table);
+    expectRefused("the device has lost /var/run/notifications");
+    fs::create_symlink(table.filename(), table);
+    expectRefused("the device in it cannot be looked at: Too many levels of symbolic links");
 }
 
 TEST_F(Root, PathsOfTheDeviceLieBelowIt) {
