@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: MIT
 #
 # Asks readers of property lists what files read as, as tests/readers/reader.h tells it, Python's own
-# among them, and says where two of the others agree and the first differs.
+# among them, and says of which kinds (see kinds.py) it is where two of the others agree and the first
+# differs; fails where it is of none. A value in XML that stands by itself is asked about as it is and
+# as a whole document, since most readers look at it only then.
 #
 # usage: compare.py READER READER…     the names of files on standard input, a line for each
 import collections
@@ -11,8 +13,11 @@ import os
 import plistlib
 import subprocess
 import sys
+import tempfile
 
-EXAMPLES = 4
+from kinds import kind_of
+
+EXAMPLES = 10
 
 
 def told(value):
@@ -60,38 +65,56 @@ def readings(reader, files):
     return lines
 
 
-def kind(ours, theirs, others):
-    """A difference in a few words."""
-    who = "us alone" if ours not in others else "us and one other"
-    if theirs == "-":
-        return "read by " + who
-    if ours == "-":
-        return "refused by " + who
-    return "read otherwise by " + who
+def documents(files, folder):
+    """What begins with something else than a document does, made into documents: their names."""
+    names = []
+    for number, file in enumerate(files):
+        with open(file, "rb") as opened:
+            data = opened.read()
+        if not data.startswith(b"<") or data.startswith((b"<?xml", b"<plist")):
+            continue
+        is_value = not data.startswith((b"<!", b"<?"))
+        start, end = (b"<plist>", b"</plist>") if is_value else (b'<?xml version="1.0"?>', b"")
+        names.append(os.path.join(folder, "%d-%s" % (number, os.path.basename(file))))
+        with open(names[-1], "wb") as made:
+            made.write(start + data + end)
+    return names
+
+
+def differences(files, answers):
+    """By kind, where two of the others agree: the data, and all that was answered."""
+    found = collections.defaultdict(list)
+    agreed = 0
+    for file, (ours, *others) in zip(files, zip(*answers)):
+        best = max(others, key=others.count)
+        if best == "died" or others.count(best) < 2:
+            continue
+        agreed += 1
+        if best != ours:
+            with open(file, "rb") as opened:
+                data = opened.read()
+            found[kind_of(data, ours, best)].append((len(data), data, [ours, *others]))
+    print("%d files, of %d of which two or more say the same" % (len(files), agreed))
+    return found
 
 
 def main(readers):
-    """Compares the programs' readings and Python's."""
+    """Compares the programs' readings and Python's. Whether each difference is of a kind."""
     files = sys.stdin.read().split("\n")[:-1]
-    answers = {os.path.basename(reader): readings(reader, files) for reader in readers}
-    answers["Python"] = [python(file) for file in files]
-    found = collections.defaultdict(list)
-    agreed = 0
-    for index, file in enumerate(files):
-        ours, *others = (answer[index] for answer in answers.values())
-        best = max(others, key=others.count)
-        times = others.count(best) if best != "died" else 0
-        agreed += times >= 2
-        if times >= 2 and best != ours:
-            found[kind(ours, best, others)].append((os.path.getsize(file), file, ours, others))
-    print("%d files, of %d of which two or more say the same" % (len(files), agreed))
-    for name, examples in sorted(found.items()):
-        print("%d %s" % (len(examples), name))
-        for _, file, ours, others in sorted(examples)[:EXAMPLES]:
-            with open(file, "rb") as opened:
-                print("    %s\n        %s" % (file, repr(opened.read())[:300]))
-            for reader, answer in zip(answers, [ours, *others]):
-                print("        %-18s %s" % (reader, answer[:120]))
+    with tempfile.TemporaryDirectory() as folder:
+        files += documents(files, folder)
+        answers = [readings(reader, files) for reader in readers]
+        answers.append([python(file) for file in files])
+        found = differences(files, answers)
+    unknown = found.pop(None, [])
+    for kind, examples in sorted(found.items()):
+        print("%6d  two others %s" % (len(examples), kind))
+    print("%6d  of no kind" % len(unknown))
+    for _, data, told_by_all in sorted(unknown)[:EXAMPLES]:
+        print("    %s" % repr(data)[:300])
+        for reader, answer in zip([*map(os.path.basename, readers), "Python"], told_by_all):
+            print("        %-18s %s" % (reader, answer[:120]))
+    return not unknown
 
 
-main(sys.argv[1:])
+sys.exit(0 if main(sys.argv[1:]) else 1)
