@@ -30,8 +30,11 @@ bool run(const std::string& form, Extent extent) {
 int runProgram(const std::vector<std::string>& words) {
     std::vector<std::string> wanted;
     Extent extent = Extent::full;
-    for (const std::string& word : words) {
-        if (word == "--short" || word == "--long") {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string& word = words[i];
+        if (word == "--minutes" && i + 1 < words.size()) {
+            stopSharingAfter(60 * std::stod(words[++i]));
+        } else if (word == "--short" || word == "--long") {
             extent = word == "--short" ? Extent::brief : Extent::long_;
         } else if (forms.contains(word)) {
             wanted.push_back(word);

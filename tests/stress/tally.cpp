@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <atomic>
 #include <fstream>
+#include <iostream>
+#include <limits>
 #include <memory>
 #include <new>
 #include <sstream>
@@ -13,12 +15,25 @@
 #include <vector>
 
 #include "tests/support/child.h"
+#include "tests/support/real_time.h"
 
 namespace quillet::test {
 
 namespace fs = std::filesystem;
 
 namespace {
+
+double lastStart = std::numeric_limits<double>::infinity();
+
+/// Another order of the numbers below `jobs`, which is smaller than the prime.
+std::size_t scattered(std::size_t turn, std::size_t jobs) { return turn * 7919 % jobs; }
+
+/// Every tenth of the way, but for the beginning.
+void tellProgress(std::size_t turn, std::size_t jobs, double start) {
+    constexpr double soon = 30;
+    if (turn % std::max<std::size_t>(1, jobs / 10) != 0 || realNow() - start < soon) return;
+    std::cerr << 100 * turn / jobs << " %\n";
+}
 
 /// In one line of a file.
 std::string inOneLine(std::string text) {
@@ -105,10 +120,13 @@ Tally Tally::read(const fs::path& file) {
     return tally;
 }
 
+void stopSharingAfter(double seconds) { lastStart = realNow() + seconds; }
+
 Tally share(std::size_t jobs, const fs::path& folder,
             const std::function<void(std::size_t, const fs::path&, Tally&)>& work) {
     // More than there are processors: a program that waits needs none.
     const std::size_t crew = std::max<std::size_t>(2, 2UL * std::thread::hardware_concurrency());
+    const double start = realNow();
     SharedNumber next;
     std::vector<std::unique_ptr<Child>> workers;
     for (std::size_t i = 0; i < crew; ++i) {
@@ -116,7 +134,13 @@ Tally share(std::size_t jobs, const fs::path& folder,
         fs::create_directories(place);
         workers.push_back(std::make_unique<Child>([&, place] {
             Tally tally;
-            for (std::size_t job = next.take(); job < jobs; job = next.take()) {
+            for (std::size_t turn = next.take(); turn < jobs; turn = next.take()) {
+                if (realNow() > lastStart) {
+                    tally.tried("parts left out for want of time");
+                    continue;
+                }
+                tellProgress(turn, jobs, start);
+                const std::size_t job = scattered(turn, jobs);
                 work(job, place / std::to_string(job), tally);
                 fs::remove_all(place / std::to_string(job));
             }

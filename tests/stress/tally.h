@@ -34,8 +34,13 @@ private:
     std::map<std::string, Fallen> fallen_;
 };
 
+/// From now on no job begins after so many seconds.
+void stopSharingAfter(double seconds);
+
 /// Does the jobs numbered from 0 to `jobs` - 1, in several processes, each with a folder of its own
-/// below `folder`. A process that dies has fallen.
+/// below `folder`. A process that dies has fallen. Neighbours are not done one after the other, so
+/// that some of all kinds are done when the time is over; those that are left out are counted.
+/// Tells on standard error how far it is when that takes long.
 Tally share(std::size_t jobs, const std::filesystem::path& folder,
             const std::function<void(std::size_t job, const std::filesystem::path&, Tally&)>& work);
 

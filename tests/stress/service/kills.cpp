@@ -16,7 +16,9 @@ bool killInWaits(const ServiceExtent& extent) {
     const Ground ground;
     Device device{{.root = ground.root()}};
     device.observers.add(name, [] {});
-    for (int i = 0; i < extent.killsInWaits; ++i) {
+    const double end = realNow() + extent.seconds;
+    int killed = 0;
+    for (; killed < extent.killsInWaits && (!extent.isBounded || realNow() < end); ++killed) {
         Gate waits;
         Child waiting{[&] {
             device.eventLoop.at(0, [&] { waits.open(); });
@@ -25,7 +27,7 @@ bool killInWaits(const ServiceExtent& extent) {
         }};
         if (!waits.pass()) return false;
     }
-    std::printf("%d processes killed inside a wait; ", extent.killsInWaits);
+    std::printf("%d processes killed inside a wait; ", killed);
     return postIsFree(device);
 }
 

@@ -3,7 +3,9 @@
 // Attacks the notification service of a device for some time, says what was tried and what held,
 // and fails when anything did not.
 #include <cstdio>
+#include <exception>
 #include <string>
+#include <vector>
 
 #include "tests/stress/service/parts.h"
 
@@ -31,13 +33,28 @@ int run(const ServiceExtent& extent) {
     return isHolding ? 0 : 1;
 }
 
-ServiceExtent extentOf(int argc, char** argv) {
-    const std::string word = argc > 1 ? argv[1] : "";
-    if (word == "--short") return shortOne;
-    return word == "--long" ? longOne : ordinary;
+/// Of the time that is given each of the parts that take as much as they get has a third.
+ServiceExtent extentOf(const std::vector<std::string>& words) {
+    ServiceExtent extent = ordinary;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const bool isTime = words[i] == "--minutes" && i + 1 < words.size();
+        if (words[i] == "--short") extent = shortOne;
+        if (words[i] == "--long") extent = longOne;
+        if (!isTime) continue;
+        extent.seconds = 60 * std::stod(words[++i]) / 3;
+        extent.isBounded = true;
+    }
+    return extent;
 }
 
 }  // namespace
 }  // namespace quillet::test
 
-int main(int argc, char** argv) { return quillet::test::run(quillet::test::extentOf(argc, argv)); }
+int main(int argc, char** argv) {
+    try {
+        return quillet::test::run(quillet::test::extentOf({argv + 1, argv + argc}));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "stress_service: %s\n", error.what());
+        return 1;
+    }
+}

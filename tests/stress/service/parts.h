@@ -14,6 +14,8 @@ struct ServiceExtent {
     int killsInWaits;
     /// Whether a share of the processor can be told from so short a time.
     bool isMeasured;
+    /// Whether killing waits ends with the time, too.
+    bool isBounded = false;
 };
 
 // The parts of the attack. Each prints what it tried, and answers whether it held.
