@@ -73,6 +73,7 @@ TEST(Fault, TellsWhatIsWrongWithAnXMLDocument) {
         {"<array></a>", "column 8: an end without a start"},
         {"<a>", "column 1: an element that no property list has"},
         {"<string>a</strin>", "column 10: an end tag that does not match"},
+        {"<string>a</strin<string>", "column 10: an end tag that does not match"},
         {"<string>a", "column 10: an end of the file before that of the value"},
         {"<string>a&nbsp;</string>", "column 11: a reference to no character that is known"},
         {"<string>a&b</string>", "column 11: a reference to no character that is known"},
