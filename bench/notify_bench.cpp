@@ -8,7 +8,7 @@
 //
 // Post and read print the median, the least and the first of N durations in nanoseconds, each the
 // mean of a thousand calls; wake prints the median and the 99th percentile of N times from a post
-// in one process to the callback in the run loop of another.
+// in one process to the callback in the run loop of another, which posts in turn.
 #include <fcntl.h>
 #include <linux/futex.h>
 #include <sys/eventfd.h>
@@ -23,7 +23,6 @@
 #include <functional>
 #include <limits>
 #include <map>
-#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -110,29 +109,28 @@ pid_t start(const Work& work) {
     return child;
 }
 
-void observe(const standin::DeviceOptions& options, Shared& shared, std::uint32_t rounds) {
+/// Posts in turn with another process from their callbacks: this one begins if it is the first.
+void callInTurn(const standin::DeviceOptions& options, Shared& shared, std::uint32_t rounds,
+                bool isFirst) {
     standin::Device device{options};
-    device.observers.add(name, [&] {
-        const std::uint32_t round = shared.round.load();
-        shared.durations[round] = static_cast<double>(now() - shared.posted.load());
-        shared.round.store(round + 1);
-        if (round + 1 == rounds) device.eventLoop.stop();
-    });
-    shared.isReady.store(1);
-    device.eventLoop.runUntil(std::numeric_limits<double>::infinity());
-}
-
-void postInTurn(const standin::DeviceOptions& options, Shared& shared, std::uint32_t rounds) {
-    const standin::Device device{options};
-    std::minstd_rand random;
-    while (shared.isReady.load() == 0) usleep(1000);
-    for (std::uint32_t round = 0; round < rounds; ++round) {
-        // At any point of the other's wait.
-        usleep(static_cast<useconds_t>(1000 + random() % 70000));
+    const auto call = [&] {
         shared.posted.store(now());
-        notify_post(name);
-        while (shared.round.load() == round) usleep(100);
+        notify_post(isFirst ? "ping" : "pong");
+    };
+    device.observers.add(isFirst ? "pong" : "ping", [&, calls = std::uint32_t{0}]() mutable {
+        const double duration = static_cast<double>(now() - shared.posted);
+        if (isFirst) shared.durations[calls] = duration;
+        ++calls;
+        if (!isFirst || calls < rounds) call();
+        if (calls == rounds) device.eventLoop.stop();
+    });
+    if (isFirst) {
+        while (shared.isReady.load() == 0) usleep(1000);
+        call();
+    } else {
+        shared.isReady.store(1);
     }
+    device.eventLoop.runUntil(std::numeric_limits<double>::infinity());
 }
 
 void futex(std::atomic<std::uint32_t>& word, int operation, std::uint32_t value) {
@@ -161,8 +159,8 @@ void measureWake(int times, const std::string& engine) {
     pid_t child = 0;
     if (engine == "ours") {
         { const standin::Device made{phoneIn(folder)}; }
-        child = start([&] { observe(phoneIn(folder), shared, rounds); });
-        postInTurn(phoneIn(folder), shared, rounds);
+        child = start([&] { callInTurn(phoneIn(folder), shared, rounds, false); });
+        callInTurn(phoneIn(folder), shared, rounds, true);
     } else {
         child = start([&] { takeTurns(shared, rounds, 1); });
         takeTurns(shared, rounds, 0);

@@ -3,7 +3,8 @@
 /* How processes share the table of the notification service, in the language of spin(1);
  * script/model checks it. Each atomic step here is one of theirs: an access to an atomic in the
  * table, a piece of a name, a system call. Every process but the watcher may be killed between any
- * two of them, and may stand still for ever with the lock in its hands.
+ * two of them, and may stand still for ever with the lock in its hands. That those who wait are woken
+ * before they look by themselves is another model, bell.pml.
  *
  * With -DWOKEN those who wait are woken by the post instead, in a step of its own, and sleep until
  * then. The checker must find that such a post can be lost. */

@@ -95,6 +95,7 @@ Traced::Stop Traced::next() {
 bool Traced::readCall() {
     __ptrace_syscall_info call = {};
     ptrace(PTRACE_GET_SYSCALL_INFO, process_, sizeof call, &call);
+    if (call.op == PTRACE_SYSCALL_INFO_EXIT) answer_ = static_cast<long>(call.exit.rval);
     if (call.op != PTRACE_SYSCALL_INFO_ENTRY) return false;
     call_ = static_cast<long>(call.entry.nr);
     std::ranges::copy(call.entry.args, arguments_.begin());

@@ -56,6 +56,8 @@ public:
     long call() const { return call_; }
     /// An argument of it, before it is made.
     std::uint64_t argument(std::size_t index) const { return arguments_.at(index); }
+    /// What it gave, after it was made: the negative number of an error.
+    long answer() const { return answer_; }
     /// The bytes there in its memory, as a number.
     long peek(std::uint64_t address) const;
 
@@ -82,6 +84,7 @@ private:
     int signal_ = 0;
     int status_ = 0;
     long call_ = -1;
+    long answer_ = 0;
     std::array<std::uint64_t, 6> arguments_ = {};
 };
 

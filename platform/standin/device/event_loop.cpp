@@ -44,12 +44,18 @@ void EventLoop::runUntil(double limit) {
 
 bool EventLoop::isServed() {
     const bool isTime = ++looks_ % looksAtPlace == 0;
-    return !(isTime || observers_.isPending()) || table_.isInPlace();
+    return isTime ? table_.isInPlace() : !table_.isLost();
 }
 
 void EventLoop::waitUntil(double time) {
-    const double look = clock_.isVirtual() ? time : clock_.now() + betweenLooks;
-    if (!observers_.isPending()) clock_.advanceTo(std::min(time, look));
+    if (clock_.isVirtual()) {
+        if (!observers_.isPending()) clock_.advanceTo(time);
+        return;
+    }
+    const std::chrono::duration<double> left{std::clamp(time - clock_.now(), 0.0, betweenLooks)};
+    // Rounded up, so that no wait is shorter than was asked for.
+    const Bell::Wait wait{table_.bell(), std::chrono::ceil<std::chrono::nanoseconds>(left)};
+    if (!observers_.isPending()) wait.sleep();
 }
 
 }  // namespace quillet::standin

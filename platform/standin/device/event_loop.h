@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <utility>
 
 #include "platform/standin/device/clock.h"
+#include "platform/standin/notifications/bell.h"
 #include "platform/standin/notifications/notification_table.h"
 #include "platform/standin/notifications/observers.h"
 
@@ -30,9 +32,9 @@ public:
     /// meanwhile is left to the next turn.
     void turn();
 
-    /// How long it sleeps at most without looking for posts, in seconds. Nobody wakes it: whoever
-    /// makes a post may die at once, and those who wait see it all the same.
-    static constexpr double betweenLooks = 0.07;
+    /// How long it sleeps at most without looking for posts, in seconds. Posts wake it, but whoever
+    /// makes one may die at once, and those who wait see it all the same.
+    static constexpr double betweenLooks = std::chrono::duration<double>{Bell::longestWait}.count();
 
     /// Turns until `limit`, at least once, waiting in between for the next timer or post. A wait
     /// without limit also ends when the table is in its place no more: no post would end it.
@@ -48,8 +50,8 @@ private:
     Work takeDue(double now, std::uint64_t end);
     double nextTime(double limit) const;
     bool isEnding() const { return isStopped_ && depth_ == 1; }
-    /// Whether the table is in its place, for all that is known: asked before observers are called,
-    /// and about once a second.
+    /// Whether the table is in its place, for all that is known: looked up about once a second. One
+    /// whose memory is lost, where counts are zeros, is noticed before observers are called.
     bool isServed();
     /// Until then, until the next look, or not at all while a post is pending.
     void waitUntil(double time);

@@ -19,9 +19,10 @@ namespace quillet::standin {
 
 /// Behind the last name there always is an entry without one, where every search ends.
 struct NotificationTable::Layout {
-    static constexpr char mark[sizeof(Entry)] = "Quillet notifications, form 2";
+    static constexpr char mark[sizeof(Entry) - sizeof(Bell)] = "Quillet notifications, form 3";
 
     char markOfFile[sizeof mark];
+    Bell bell;
     Entry entries[maxNames + 1];
 };
 
@@ -126,6 +127,7 @@ NotificationTable::NotificationTable(const std::filesystem::path& path)
       file_{openTable(path)},
       mapping_{file_.number(), sizeof(Layout), path},
       layout_{*static_cast<Layout*>(mapping_.memory())},
+      bell_{layout_.bell},
       extent_{statusOf(file_, path).st_size} {
     // Once more if it has grown meanwhile: others may have filled what was room.
     for (off_t checked = extent_; !isSound(extent_); checked = extent_) {

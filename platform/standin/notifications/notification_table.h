@@ -11,6 +11,7 @@
 
 #include "platform/standin/files/descriptor.h"
 #include "platform/standin/files/mapping.h"
+#include "platform/standin/notifications/bell.h"
 #include "platform/standin/notifications/name_entry.h"
 
 namespace quillet::standin {
@@ -19,10 +20,11 @@ namespace quillet::standin {
 /// that every process of the device maps. For any thread.
 ///
 /// Reading and writing a word and making a post are single atomic accesses: a process that dies has
-/// made its post, or has not. Nobody is woken, and so nobody can be left asleep: who waits for
-/// posts looks at the counts. Names are only ever added, under a lock that the kernel gives back
-/// when its holder dies, and are seen whole or not at all. So a process may die at any instruction
-/// without holding up another. models/notifications.pml is this in the language of a model checker.
+/// made its post, or has not. Who waits for posts is woken by a bell, and looks at the counts even
+/// if nobody rings it, so that nobody can be left asleep. Names are only ever added, under a lock
+/// that the kernel gives back when its holder dies, and are seen whole or not at all. So a process
+/// may die at any instruction without holding up another. models/notifications.pml is this in the
+/// language of a model checker.
 class NotificationTable {
 public:
     /// The file grows with its names, up to so many.
@@ -51,13 +53,22 @@ public:
     /// held its lock for longer than FileLock waits.
     Entry* findOrAdd(std::string_view name);
 
-    /// Makes a post. It is no system call.
-    static void post(Entry& entry) { entry.posts.fetch_add(1); }
+    /// Makes a post. It is no system call when nobody waits.
+    void post(Entry& entry) {
+        entry.posts.fetch_add(1);
+        bell_.ring();
+    }
 
     /// The same by name. A name that is not in the table is posted to nobody.
     void post(std::string_view name) {
         if (Entry* const entry = find(name)) post(*entry);
     }
+
+    /// What posts ring, of whatever name.
+    Bell& bell() { return bell_; }
+
+    /// Whether the memory is the file no more, but zeros.
+    bool isLost() const { return mapping_.isLost(); }
 
     /// Whether the file is still the one that others find at its path, and none of it is gone. What
     /// cannot be looked at counts as in place.
@@ -80,6 +91,7 @@ private:
     Descriptor file_;
     Mapping mapping_;
     Layout& layout_;
+    Bell& bell_;
     /// Bytes that the file has at least.
     std::atomic<std::int64_t> extent_;
 };

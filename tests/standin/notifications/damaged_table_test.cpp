@@ -23,8 +23,10 @@ namespace fs = std::filesystem;
 using standin::NotificationTable;
 using ::testing::HasSubstr;
 
-/// Bytes of an entry and of the header before the first, and where in an entry its parts lie.
+/// Bytes of an entry and of the header before the first, where the bell in the header lies, and
+/// where in an entry its parts lie.
 constexpr std::size_t entrySize = 256;
+constexpr std::size_t bellAt = 240;
 constexpr std::size_t postsAt = 8;
 constexpr std::size_t sealAt = 12;
 constexpr std::size_t lengthAt = 16;
@@ -103,8 +105,15 @@ private:
 
 TEST_F(DamagedTable, ASoundOneServes) { expectServes(sound(), "sound"); }
 
-TEST_F(DamagedTable, AnyByteOfTheHeaderWithAnyOtherValueIsRefused) {
-    expectAnyOtherByteRefused(0, entrySize);
+TEST_F(DamagedTable, AnyByteOfTheMarkWithAnyOtherValueIsRefused) {
+    expectAnyOtherByteRefused(0, bellAt);
+}
+
+TEST_F(DamagedTable, AnyBellServes) {
+    for (std::size_t at = bellAt; at < entrySize; ++at) {
+        expectServes(changed(at, "\xFF"), std::to_string(at));
+    }
+    expectServes(changed(bellAt, std::string(entrySize - bellAt, '\xFF')), "all of it");
 }
 
 TEST_F(DamagedTable, AnyByteOfANameAndItsSealWithAnyOtherValueIsRefused) {
@@ -192,7 +201,8 @@ TEST_F(DamagedTable, WhatADeadAdderLeftOfANameIsOverwritten) {
 TEST_F(DamagedTable, OnesOfOtherFormsAreRefused) {
     expectRefused("", "empty");
     expectRefused("some text\n", "text");
-    expectRefused("QTYTABL1" + std::string(65552, '\0'), "the form before");
+    expectRefused("QTYTABL1" + std::string(65552, '\0'), "the first form");
+    expectRefused(changed(sound().find('3'), "2"), "the form before");
     expectRefused(std::string(sound().size(), 'x'), "letters");
     expectRefused(std::string(sound().size(), '\0'), "zeros");
 }

@@ -97,7 +97,8 @@ private:
     Child process_;
 };
 
-/// Whether a post that nobody waits for makes no system call.
+/// Whether a post that nobody waits for makes no system call, once the last wait would be over of
+/// those who died in one.
 bool postIsFree(standin::Device& device);
 
 }  // namespace quillet::test

@@ -69,7 +69,7 @@ int live(int number, double end) {
 
 bool liveAndDie(const ServiceExtent& extent) {
     const Ground ground;
-    const Watcher watcher{ground.root()};
+    auto watcher = std::make_unique<Watcher>(ground.root());
     std::mt19937 random{1};
     const double end = realNow() + extent.seconds;
     Device device{{.root = ground.root()}};
@@ -94,7 +94,9 @@ bool liveAndDie(const ServiceExtent& extent) {
         "%d processes of three threads that register, set, post, read, cancel and fork, "
         "every other one killed; ",
         lives);
-    return isGood && watcher.sees(posts) && postIsFree(device);
+    const bool isSeen = watcher->sees(posts);
+    watcher.reset();
+    return isGood && isSeen && postIsFree(device);
 }
 
 bool addNames(const ServiceExtent& /*extent*/) {
