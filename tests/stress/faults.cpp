@@ -78,7 +78,7 @@ long stepOf(const Fault& fault, Extent extent) {
 /// Place after place, until there is none.
 void tryAll(Laboratory& laboratory, Fault fault, Extent extent, Tally& tally) {
     const bool isCall = fault.kind == Fault::Kind::call;
-    for (;; fault.place += stepOf(fault, extent)) {
+    for (; !isTimeOver(); fault.place += stepOf(fault, extent)) {
         const Run run = laboratory.run({fault});
         if (run.injuries.empty() && !run.isLate) return;
         tally.tried((isCall ? "system calls failed, of " : "allocations failed, of ") +
@@ -126,7 +126,8 @@ Tally tryAllPairs(const std::vector<Command>& commands, const std::vector<Series
         std::mt19937 chance{static_cast<unsigned>(job)};
         const std::size_t command = job % commands.size();
         Laboratory laboratory{commands[command], place};
-        for (int i = 0; i < pairs; ++i) tryPair(laboratory, series, command, chance, tally);
+        for (int i = 0; i < pairs && !isTimeOver(); ++i)
+            tryPair(laboratory, series, command, chance, tally);
     });
 }
 

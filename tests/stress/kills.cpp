@@ -230,7 +230,7 @@ std::unique_ptr<Killing> killingOf(Laboratory& laboratory, Tally& tally) {
 
 /// Every `step`th call from `first` on, until the command ends before it.
 void killAtCalls(Killing& killing, long first, long step) {
-    for (long place = first; killing.kill({.place = place}); place += step) {
+    for (long place = first; !isTimeOver() && killing.kill({.place = place}); place += step) {
         killing.kill({.place = place, .isAfter = true});
     }
 }
@@ -238,7 +238,7 @@ void killAtCalls(Killing& killing, long first, long step) {
 void killByChance(Killing& killing, std::size_t seed, int times) {
     constexpr long longest = 60'000;
     std::mt19937_64 chance{seed};
-    for (int i = 0; i < times; ++i) {
+    for (int i = 0; i < times && !isTimeOver(); ++i) {
         const auto time = static_cast<long>(chance() % longest);
         killing.kill({.time = std::chrono::microseconds{time}});
     }

@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-double lastStart = std::numeric_limits<double>::infinity();
+double lastMoment = std::numeric_limits<double>::infinity();
 
 /// Another order of the numbers below `jobs`, which is smaller than the prime.
 std::size_t scattered(std::size_t turn, std::size_t jobs) { return turn * 7919 % jobs; }
@@ -120,7 +120,9 @@ Tally Tally::read(const fs::path& file) {
     return tally;
 }
 
-void stopSharingAfter(double seconds) { lastStart = realNow() + seconds; }
+void stopSharingAfter(double seconds) { lastMoment = realNow() + seconds; }
+
+bool isTimeOver() { return realNow() > lastMoment; }
 
 Tally share(std::size_t jobs, const fs::path& folder,
             const std::function<void(std::size_t, const fs::path&, Tally&)>& work) {
@@ -135,7 +137,7 @@ Tally share(std::size_t jobs, const fs::path& folder,
         workers.push_back(std::make_unique<Child>([&, place] {
             Tally tally;
             for (std::size_t turn = next.take(); turn < jobs; turn = next.take()) {
-                if (realNow() > lastStart) {
+                if (isTimeOver()) {
                     tally.tried("parts left out for want of time");
                     continue;
                 }
@@ -143,6 +145,7 @@ Tally share(std::size_t jobs, const fs::path& folder,
                 const std::size_t job = scattered(turn, jobs);
                 work(job, place / std::to_string(job), tally);
                 fs::remove_all(place / std::to_string(job));
+                if (isTimeOver()) tally.tried("parts cut short for want of time");
             }
             tally.write(place / "tally");
             return 0;

@@ -34,13 +34,15 @@ private:
     std::map<std::string, Fallen> fallen_;
 };
 
-/// From now on no job begins after so many seconds.
+/// From now on there are so many seconds left for all jobs.
 void stopSharingAfter(double seconds);
+/// Whether they are over, and a job is to end.
+bool isTimeOver();
 
 /// Does the jobs numbered from 0 to `jobs` - 1, in several processes, each with a folder of its own
 /// below `folder`. A process that dies has fallen. Neighbours are not done one after the other, so
-/// that some of all kinds are done when the time is over; those that are left out are counted.
-/// Tells on standard error how far it is when that takes long.
+/// that some of all kinds are done when the time is over; those that are cut short or left out then
+/// are counted. Tells on standard error how far it is when that takes long.
 Tally share(std::size_t jobs, const std::filesystem::path& folder,
             const std::function<void(std::size_t job, const std::filesystem::path&, Tally&)>& work);
 
