@@ -290,8 +290,8 @@ class ApplyStateTable : public ::testing::TestWithParam<std::tuple<std::int32_t,
 protected:
     ApplyStateTable() { phone_.write(springBoardPreferencesPath, settings); }
 
-    /// Puts the phone into the case's situation, as new but for its clock. SpringBoard's settings are
-    /// there already, for every case must leave them as they were.
+    /// Puts the phone into the case's situation, as new but for its clock. SpringBoard's settings
+    /// are there already, for every case must leave them as they were.
     void prepare(const Case& situation) {
         phone_.device().eventLoop.turn();
         phone_.device().host = situation.host;
