@@ -188,9 +188,12 @@ TEST_F(Center, ANameWithoutRoomOrTooLongIsNotObserved) {
     NotificationTable& table = device().notifications;
     const std::string longest(NotificationTable::maxNameLength, 'n');
     const Work work = noting("called");
+    std::string said;
+    device().complaints = standin::Complaints{[&](const std::string& text) { said += text; }};
     observe(longest + "n", work);
     EXPECT_EQ(table.find(longest), nullptr);
-    EXPECT_FALSE(device().complaints.isEmpty());
+    EXPECT_EQ(said, device().below("/var/run/notifications").string() + ": does not take \"" +
+                        longest + "n\"");
 
     const NoRoom noRoom;
     for (int i = 0; table.findOrAdd("name." + std::to_string(i)) != nullptr;) ++i;

@@ -217,9 +217,12 @@ TEST_F(Notify, AServiceThatRefusesGivesNoTokenButServesThoseItGave) {
     const int old = tokenFor("a.name");
     device().tokens.refuse(true);
     int token = untouched;
+    std::string said;
+    device().complaints = standin::Complaints{[&](const std::string& text) { said += text; }};
     EXPECT_EQ(notify_register_check("a.name", &token), NOTIFY_STATUS_FAILED);
     EXPECT_EQ(token, untouched);
-    EXPECT_FALSE(device().complaints.isEmpty());
+    EXPECT_EQ(said,
+              device().below("/var/run/notifications").string() + ": does not take \"a.name\"");
     EXPECT_EQ(notify_set_state(old, 1), NOTIFY_STATUS_OK);
     EXPECT_EQ(notify_cancel(old), NOTIFY_STATUS_OK);
 

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -204,6 +205,15 @@ TEST_F(Readings, AnythingButZeroMakesATrueFlag) {
         EXPECT_EQ(NSNumber::numberWithBool(flag).boolValue(), YES) << int{flag};
     }
     EXPECT_EQ(NSNumber::numberWithBool(NO).boolValue(), NO);
+}
+
+TEST_F(Readings, AStringOfOneCharacterIsATrueFlagForThirteenOfThem) {
+    constexpr std::string_view flags = "YyTt123456789";
+    for (int character = 0; character < 256; ++character) {
+        const std::string text(1, static_cast<char>(character));
+        const bool isTrue = flags.find(text) != flags.npos;
+        EXPECT_EQ(objectOf(text).boolValue(), isTrue ? YES : NO) << character;
+    }
 }
 
 TEST_F(Readings, OtherKindsEndTheProcessWithAMessage) {

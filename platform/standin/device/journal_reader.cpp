@@ -103,7 +103,6 @@ bool JournalReader::openNext(std::vector<JournalEntry>& entries) {
     for (const auto& path : {Journal::older(path_), path_}) {
         if (path != path_ && !isOlderNext) continue;
         Descriptor next{openJournal(path)};
-        if (!next.isOpen()) continue;
         const auto status = statusOf(next);
         const bool isSame = file_ && status.st_ino == statusOf(*file_).st_ino &&
                             status.st_dev == statusOf(*file_).st_dev;

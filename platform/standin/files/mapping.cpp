@@ -36,18 +36,18 @@ void takeFault(int signal, siginfo_t* fault, void* /*context*/) {
     errno = error;
 }
 
-bool handleFaults() {
+int handleFaults() {
     struct sigaction action = {};
     action.sa_sigaction = takeFault;
     action.sa_flags = SA_SIGINFO;
-    return sigaction(SIGBUS, &action, &previousAction()) == 0;
+    return sigaction(SIGBUS, &action, &previousAction());
 }
 
 }  // namespace
 
 Mapping::Mapping(int descriptor, std::size_t size, const std::filesystem::path& path)
     : size_{size}, memory_{mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0)} {
-    [[maybe_unused]] static const bool isHandled = handleFaults();
+    [[maybe_unused]] static const int handled = handleFaults();
     if (memory_ == MAP_FAILED) {
         throw std::system_error(errno, std::generic_category(), path.string());
     }

@@ -229,6 +229,18 @@ TEST_F(Loop, AnObserverThatACallbackAddsHearsOfLaterPostsOnly) {
     EXPECT_THAT(notes(), ElementsAre("added"));
 }
 
+TEST_F(Loop, AnObserverThatACallbackAddsHearsOfAPostAtOnceInTheNextTurn) {
+    device().observers.add("a.name", [this] {
+        device().observers.add("another.name", noting("added"));
+        notify_post("another.name");
+    });
+    notify_post("a.name");
+    loop().turn();
+    EXPECT_THAT(notes(), IsEmpty());
+    loop().turn();
+    EXPECT_THAT(notes(), ElementsAre("added"));
+}
+
 TEST_F(Loop, RunUntilDateRunsUntilTheDateAndRecordsIt) {
     clock().advanceTo(2);
     loop().at(2.25, noting("inside"));

@@ -24,6 +24,7 @@
 #include "tests/standin/on_a_device.h"
 #include "tests/support/no_room.h"
 #include "tests/support/supervisor.h"
+#include "tests/support/traced.h"
 #include "tests/support/values.h"
 
 namespace quillet::test {
@@ -165,6 +166,24 @@ TEST_F(HardwareFile, IsChangedByOneThreadAtATime) {
     std::thread other{lower, "Alarm"};
     lower("Ringtone");
     other.join();
+    EXPECT_EQ(hardware().volume("Alarm"), 0.0F);
+    EXPECT_EQ(hardware().volume("Ringtone"), 0.0F);
+}
+
+TEST_F(HardwareFile, IsChangedByOneProcessAtATime) {
+    write(Dictionary{{"volumes", Dictionary{{"Alarm", 1.0}, {"Ringtone", 1.0}}}});
+    Traced first = traced([this] { hardware().setVolume("Alarm", 0); });
+    Traced second = traced([this] { hardware().setVolume("Ringtone", 0); });
+    for (Traced* const writer : {&first, &second}) {
+        // To where it puts a new file in place, which the second does not come to.
+        while (writer->nextCall() && writer->call() != SYS_rename &&
+               writer->call() != SYS_clock_nanosleep) {
+        }
+    }
+    EXPECT_EQ(first.call(), SYS_rename);
+    EXPECT_EQ(second.call(), SYS_clock_nanosleep) << "it waits for its turn";
+    first.end();
+    second.end();
     EXPECT_EQ(hardware().volume("Alarm"), 0.0F);
     EXPECT_EQ(hardware().volume("Ringtone"), 0.0F);
 }

@@ -69,17 +69,20 @@ private:
 TEST_F(JournalFile, IsReadAsItWasTold) {
     Journal journal{{"a program", "flip off"}, path(), complaints_};
     const std::string odd = "a b=c%d\n\xFF .";
+    const std::string end = "\n";
     journal.add("muted", Told{"muted", true}, Told{"volume", 0.25F}, Told{"word", std::uint64_t{7}},
-                Told{"state", -1}, Told{"name", odd});
+                Told{"state", -1}, Told{"name", odd}, Told{"end", end});
     journal.add("ended");
     const auto told = entries();
     ASSERT_THAT(told, SizeIs(2));
     EXPECT_EQ(told[0].program, "a program");
     EXPECT_EQ(told[0].event, "muted");
-    EXPECT_EQ(
-        told[0].details,
-        (Details{
-            {"muted", "1"}, {"volume", "0.25"}, {"word", "7"}, {"state", "-1"}, {"name", odd}}));
+    EXPECT_EQ(told[0].details, (Details{{"muted", "1"},
+                                        {"volume", "0.25"},
+                                        {"word", "7"},
+                                        {"state", "-1"},
+                                        {"name", odd},
+                                        {"end", end}}));
     EXPECT_EQ(told[0].process, getpid());
     EXPECT_EQ(told[1].number, told[0].number + 1);
     EXPECT_GE(told[1].time, told[0].time);

@@ -1,12 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/syscall.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <set>
 #include <stdexcept>
+#include <vector>
 
 #include "platform/standin/device/device.h"
 #include "platform/standin/device/new_phone.h"
@@ -83,6 +88,52 @@ TEST_F(NewPhoneCalls, EachOfWhichFailsOnceLeaveAWholeDeviceOrNothing) {
         EXPECT_EQ(entries(), isMade ? 1 : 0) << nth.number();
         if (isMade) expectDevice();
     });
+}
+
+TEST_F(NewPhoneCalls, ThatFlushAndFailBeforeItIsInPlaceMakeNoDevice) {
+    std::vector<fs::path> flushed;
+    const auto note = [&](const SupervisedCall& call) {
+        if (!fs::exists(root())) flushed.push_back(call.file(0));
+        return Verdict{};
+    };
+    EXPECT_EQ(supervise(
+                  {SYS_fsync}, [this] { return make(); }, note),
+              0);
+    EXPECT_GT(flushed.size(), 10U);
+    for (std::size_t place = 0; place < flushed.size(); ++place) {
+        const auto later = flushed.begin() + static_cast<std::ptrdiff_t>(place) + 1;
+        if (std::find(later, flushed.end(), flushed[place]) != flushed.end()) continue;
+        fs::remove_all(root());
+        Nth nth{static_cast<int>(place), {Verdict::Kind::fails, EIO}};
+        EXPECT_EQ(supervise(
+                      {SYS_fsync}, [this] { return make(); }, std::ref(nth)),
+                  1)
+            << place;
+        EXPECT_EQ(entries(), 0) << place;
+    }
+}
+
+TEST_F(NewPhoneCalls, FlushAllOfADeviceBeforeItTakesThePlaceOfAnother) {
+    ASSERT_EQ(make(), 0);
+    const auto erase = [this] {
+        standin::eraseDevice(root(), {}, {});
+        return 0;
+    };
+    std::set<fs::path> flushed;
+    const auto follow = [&](const SupervisedCall& call) {
+        if (call.number == SYS_fsync) {
+            flushed.insert(call.file(0));
+            return Verdict{};
+        }
+        const fs::path draft = call.paths().at(0);
+        EXPECT_TRUE(flushed.contains(draft));
+        for (const auto& entry : fs::recursive_directory_iterator{draft}) {
+            EXPECT_TRUE(flushed.contains(entry.path())) << entry.path();
+        }
+        return Verdict{};
+    };
+    EXPECT_EQ(supervise({SYS_fsync, SYS_renameat2}, erase, follow), 0);
+    EXPECT_GT(flushed.size(), 10U);
 }
 
 TEST_F(NewPhoneCalls, OfOneWhoDiesWhileSomebodyElseIsFasterLeaveNothingForTheNext) {

@@ -54,6 +54,17 @@ DeviceRoot deviceAt(const fs::path& path) {
         standin::makeNewPhone(path, {{preferencesPath, {{"vibrate-when-off", true}}}}).path};
 }
 
+/// What `make` throws.
+template <class Make>
+std::string messageOf(Make make) {
+    try {
+        make();
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return "";
+}
+
 class NewPhone : public testing::Test {
 protected:
     fs::path folder() const { return folder_.path(); }
@@ -165,12 +176,8 @@ TEST_F(NewPhone, ATrailingSlashMakesNoDifference) {
 
 TEST_F(NewPhone, TheMessageNamesThePath) {
     write(path() / "holiday.txt", "a file of the user's");
-    try {
-        deviceAt(path());
-        FAIL() << "a folder with other things is no root";
-    } catch (const std::runtime_error& error) {
-        EXPECT_NE(std::string{error.what()}.find(path().string()), std::string::npos);
-    }
+    const std::string message = messageOf([this] { deviceAt(path()); });
+    EXPECT_EQ(message.find(path().string() + ": "), 0U) << message;
 }
 
 /// A test whose working folder is the test's own.
@@ -216,17 +223,6 @@ TEST_F(NewPhone, IsWhatItIsToldToBe) {
     EXPECT_EQ(standin::readFacts(DeviceRoot::below(phone, DeviceRoot::factsPath)), facts);
 }
 
-/// What `make` throws.
-template <class Make>
-std::string messageOf(Make make) {
-    try {
-        make();
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-    return "";
-}
-
 TEST_F(NewPhone, AnEmptyMountPointIsNoRootAndSaysSo) {
     fs::create_directory(path());
     const auto make = [this] {
@@ -253,9 +249,11 @@ TEST_F(NewPhone, IsWhatAnErasedDeviceBecomesWithItsModel) {
 }
 
 TEST_F(NewPhone, NothingButADeviceIsErased) {
-    EXPECT_THROW(standin::eraseDevice(path(), {}, {}), std::runtime_error);
+    const auto erase = [this] { standin::eraseDevice(path(), {}, {}); };
+    const std::string message = path().string() + ": no device is there";
+    EXPECT_EQ(messageOf(erase), message);
     write(path() / "holiday.txt", "a file of the user's");
-    EXPECT_THROW(standin::eraseDevice(path(), {}, {}), std::runtime_error);
+    EXPECT_EQ(messageOf(erase), message);
     EXPECT_TRUE(fs::exists(path() / "holiday.txt"));
 }
 
@@ -263,7 +261,8 @@ TEST_F(NewPhone, ADeviceThatCannotBeErasedIsAsItWas) {
     deviceAt(path());
     const auto before = contents(folder());
     const auto erase = [this] {
-        EXPECT_THROW(standin::eraseDevice(path(), {}, {}), std::runtime_error);
+        EXPECT_EQ(messageOf([this] { standin::eraseDevice(path(), {}, {}); }),
+                  path().string() + ": no device can be made of it: Invalid argument");
         return 0;
     };
     supervise({SYS_renameat2}, erase, [](const SupervisedCall&) {

@@ -115,6 +115,12 @@ TEST_F(FileCalls, ThatAreNotPermittedToGiveOwnerAndModeDoNotStopIt) {
     }
 }
 
+TEST_F(FileCalls, ThatCannotGiveTheModeForAnotherReasonLeaveTheOldFile) {
+    writeOld();
+    EXPECT_FALSE(replaceUnder(failing(SYS_fchmod, EIO)));
+    EXPECT_EQ(readFile(path()), oldBytes);
+}
+
 TEST_F(FileCalls, WithoutTheGroupNobodyIsAdmittedWhoWasNotBefore) {
     struct Row {
         mode_t before;

@@ -6,13 +6,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
+#include "tests/support/descriptors.h"
 
 namespace quillet::standin {
 namespace {
@@ -44,10 +47,6 @@ private:
 
 unsigned modeOf(const fs::path& path) {
     return static_cast<unsigned>(fs::status(path).permissions());
-}
-
-std::ptrdiff_t openDescriptors() {
-    return std::distance(fs::directory_iterator{"/proc/self/fd"}, fs::directory_iterator{});
 }
 
 /// No file of this process may grow beyond `bytes` for as long as this lives.
@@ -173,7 +172,7 @@ TEST_F(File, WhenTheSpaceDoesNotSufficeTheOldBytesStayAndNoTemporaryFileIsLeft) 
 
 TEST_F(File, NoCallLeavesADescriptorOpen) {
     ASSERT_TRUE(fs::create_directory(path("folder")));
-    const std::ptrdiff_t before = openDescriptors();
+    const std::ptrdiff_t before = test::openDescriptors();
     EXPECT_TRUE(writeFileAtomically(path("file"), "bytes"));
     EXPECT_FALSE(writeFileAtomically(path("folder"), "bytes"));
     EXPECT_TRUE(readFile(path("file")));
@@ -183,7 +182,7 @@ TEST_F(File, NoCallLeavesADescriptorOpen) {
         const FileSizeLimit limit{1};
         EXPECT_FALSE(writeFileAtomically(path("file"), "bytes"));
     }
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(test::openDescriptors(), before);
 }
 
 TEST_F(File, AWriterKilledAtAnyInstantLeavesOneOfTheTwoContents) {

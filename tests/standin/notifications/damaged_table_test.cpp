@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <gmock/gmock.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,6 +35,26 @@ constexpr std::size_t nameAt = 17;
 
 constexpr std::array names = {"a.name", "b", "another.name"};
 constexpr std::size_t freeAt = entrySize * (1 + names.size());
+
+/// Memory that holds zeros, with so many bytes free before it, where the next mapping of that size
+/// will be.
+class ZerosBehind {
+public:
+    ZerosBehind(std::size_t size, std::size_t zeros)
+        : zeros_{zeros},
+          memory_{static_cast<char*>(
+                      mmap(nullptr, size + zeros, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)) +
+                  size} {
+        munmap(memory_ - size, size);
+    }
+    ZerosBehind(const ZerosBehind&) = delete;
+    ZerosBehind& operator=(const ZerosBehind&) = delete;
+    ~ZerosBehind() { munmap(memory_, zeros_); }
+
+private:
+    std::size_t zeros_;
+    char* memory_;
+};
 
 /// The file of a table with three names, the first of which has a word.
 class DamagedTable : public testing::Test {
@@ -157,7 +178,15 @@ TEST_F(DamagedTable, OneThatIsTooLargeIsRefused) {
     fs::resize_file(path(), largest);
     EXPECT_EQ(refusal(), "");
     fs::resize_file(path(), largest + entrySize);
+    const ZerosBehind zeros{largest, entrySize};
     EXPECT_THAT(refusal(), HasSubstr("not a table"));
+}
+
+TEST_F(DamagedTable, OneWithoutRoomForTheEndOfItsNamesIsRefused) {
+    const std::string header = sound().substr(0, entrySize);
+    write(header + std::string(entrySize, '\0'));
+    EXPECT_EQ(refusal(), "");
+    expectRefused(header, "no end at all");
 }
 
 TEST_F(DamagedTable, RandomBytesBehindARightHeaderAreRefused) {

@@ -116,12 +116,18 @@ TEST_F(Killed, AtAnyInstructionOfAddingANameItIsThereOrNotAndOthersAddTheirs) {
     // A new table for each, so that each goes the same way.
     const auto newTable = [this] {
         fs::remove(tablePath());
-        NotificationTable::create(tablePath());
+        NotificationTable::create(tablePath(), {{"first.name", 0}});
         return NotificationTable{tablePath()};
     };
     NotificationTable first = newTable();
-    const Course course = courseOf([&] { first.findOrAdd(watchedName); },
-                                   [&] { return first.find(watchedName) != nullptr; });
+    const NotificationTable::Entry& added = first.find("first.name")[1];
+    const Course course =
+        courseOf([&] { first.findOrAdd(watchedName); },
+                 [&] {
+                     EXPECT_TRUE(added.seal.load() == 0 || added.view() == watchedName)
+                         << "it is seen whole";
+                     return first.find(watchedName) != nullptr;
+                 });
     ASSERT_GT(course.place, 0U);
     std::set<bool> wasAdded;
     for (const std::size_t instruction : sample(course)) {

@@ -6,13 +6,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <filesystem>
-#include <iterator>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "tests/support/child.h"
+#include "tests/support/descriptors.h"
 #include "tests/support/no_room.h"
 #include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
@@ -157,17 +158,13 @@ TEST_F(Table, TenThousandNamesInTurnAreTakenThoughEachTakerDies) {
 }
 
 TEST_F(Table, LeavesNoDescriptorAndNoMapping) {
-    const auto open = [] {
-        const fs::directory_iterator files{"/proc/self/fd"};
-        return std::distance(fs::begin(files), fs::end(files));
-    };
     newTable();
-    const auto before = open();
+    const std::ptrdiff_t before = openDescriptors();
     for (int i = 0; i < 200; ++i) {
         NotificationTable table{path()};
         ASSERT_NE(table.findOrAdd("name." + std::to_string(i)), nullptr);
     }
-    EXPECT_EQ(open(), before);
+    EXPECT_EQ(openDescriptors(), before);
     EXPECT_EQ(readText("/proc/self/maps").find(path()), std::string::npos);
 }
 

@@ -99,6 +99,12 @@ TEST(Fault, TellsWhatIsWrongWithAnXMLDocument) {
     EXPECT_EQ(complaintAbout(deep), "line 513, column 1: containers that nest too deep");
 }
 
+TEST(Fault, OfAnEncodingThatIsNotKnownIsAtTheBegin) {
+    Fault fault;
+    EXPECT_FALSE(readPropertyList("<?xml version='1.0' encoding='ebcdic'?><true/>", &fault));
+    EXPECT_EQ(fault.offset, 0U);
+}
+
 TEST(Fault, TellsWhereAndWhatIsWrongWithABinaryFile) {
     const auto complaint = [](const std::vector<std::string>& objects) {
         return complaintAbout(BinaryPropertyList{objects}.bytes());

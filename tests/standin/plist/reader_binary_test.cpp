@@ -267,6 +267,18 @@ TEST(BinaryPropertyList, StringsMayBeSharedManyTimes) {
     EXPECT_EQ(readBinaryPropertyList(file.bytes()), expected);
 }
 
+TEST(BinaryPropertyList, ALongTextMayBeSharedAsOftenAsAShortOne) {
+    constexpr std::size_t times = 10000;
+    for (const std::size_t length : {1, 100000}) {
+        BinaryPropertyList file{{arrayObject(std::vector<std::uint64_t>(times, 1)),
+                                 asciiObject(std::string(length, 'a'))}};
+        file.offsetSize = 4;
+        const auto value = readBinaryPropertyList(file.bytes());
+        ASSERT_TRUE(value.has_value()) << length;
+        EXPECT_EQ(std::get<Array>(*value).size(), times) << length;
+    }
+}
+
 TEST(BinaryPropertyList, ASmallFileMayUnfoldToALargeValue) {
     BinaryPropertyList file;
     for (std::uint64_t level = 1; level <= 3; ++level) {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/bundle.h"
 #include "platform/standin/flipswitch.h"
 #include "platform/standin/runtime/data_source.h"
 #include "tests/standin/runtime/bundle_folder.h"
@@ -57,7 +58,11 @@ std::unique_ptr<standin::Module> openTestModule(const fs::path& /*path*/) {
         if (loadedNotes != nullptr) loadedNotes->push_back("load");
     };
     standin::registerClass({"OtherClass", [] {}, nullptr});
-    standin::registerClass({"TestSwitch", load, loadedSwitch});
+    const Class own{standin::registerClass({"TestSwitch", load, loadedSwitch})};
+    if (loadedNotes != nullptr) {
+        const NSString bundle = NSBundle::bundleForClass(own).bundleIdentifier();
+        loadedNotes->push_back("of " + std::string{standin::text(bundle)});
+    }
     return std::make_unique<TestModule>();
 }
 
@@ -97,7 +102,7 @@ TEST_F(Defaults, ThePrincipalClassIsSentLoadAndThenToldOfItsRegistration) {
     loadedNotes = &test.notes;
     load(test);
     loadedNotes = nullptr;
-    EXPECT_THAT(test.notes, ElementsAre("load", "registered a.switch"));
+    EXPECT_THAT(test.notes, ElementsAre("load", "of a.switch", "registered a.switch"));
     EXPECT_EQ(&source(), &test);
 }
 
