@@ -57,7 +57,7 @@ void Bell::Wait::sleep() const {
     const nanoseconds left = end_ - steady_clock::now();
     if (left <= nanoseconds::zero()) return;
     static_assert(longestWait < std::chrono::seconds{1});
-    const timespec time = {0, left.count()};
+    const timespec time = {.tv_sec = 0, .tv_nsec = static_cast<long>(left.count())};
     const bool isWoken = futex(bell_.rings, FUTEX_WAIT, rings_, &time) == 0 || errno == EINTR;
     // A futex that fails at once would have the waits of a loop take all of a processor.
     if (!isWoken && bell_.rings.load() == rings_) std::this_thread::sleep_until(end_);
