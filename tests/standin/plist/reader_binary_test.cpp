@@ -269,7 +269,7 @@ TEST(BinaryPropertyList, StringsMayBeSharedManyTimes) {
 
 TEST(BinaryPropertyList, ALongTextMayBeSharedAsOftenAsAShortOne) {
     constexpr std::size_t times = 10000;
-    for (const std::size_t length : {1, 100000}) {
+    for (const std::size_t length : {std::size_t{1}, std::size_t{100000}}) {
         BinaryPropertyList file{{arrayObject(std::vector<std::uint64_t>(times, 1)),
                                  asciiObject(std::string(length, 'a'))}};
         file.offsetSize = 4;
