@@ -2,13 +2,14 @@
 //
 // Measures the notification service, and what it stands on:
 //
-//     notify-bench post N [ours|add|eventfd]
+//     notify-bench post N [ours|add|eventfd|dbus]
 //     notify-bench read N [token|name|load|pread]
-//     notify-bench wake N [ours|futex]
+//     notify-bench wake N [ours|futex|dbus]
 //
 // Post and read print the median, the least and the first of N durations in nanoseconds, each the
 // mean of a thousand calls; wake prints the median and the 99th percentile of N times from a post
-// in one process to the callback in the run loop of another, which posts in turn.
+// in one process to the callback in the run loop of another, which posts in turn. For dbus the
+// session must have a message bus.
 #include <fcntl.h>
 #include <linux/futex.h>
 #include <sys/eventfd.h>
@@ -23,9 +24,12 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
+#include "bench/bus.h"
 #include "bench/folder.h"
 #include "bench/measure.h"
 #include "platform/notify.h"
@@ -68,8 +72,11 @@ void measurePost(int times, const std::string& engine) {
     Shared& shared = shareMemory();
     const standin::Descriptor event{eventfd(0, EFD_NONBLOCK)};
     const std::uint64_t one = 1;
+    std::optional<Bus> bus;
+    if (engine == "dbus") bus.emplace();
     const std::map<std::string, Work> engines{
         {"ours", [] { notify_post(name); }},
+        {"dbus", [&] { bus->post("Posted"); }},
         {"add", [&] { shared.word.fetch_add(1); }},
         {"eventfd", [&] { [[maybe_unused]] auto size = write(event.number(), &one, sizeof one); }}};
     print(measure(times, batch, engines.at(engine)));
@@ -109,20 +116,35 @@ pid_t start(const Work& work) {
     return child;
 }
 
+/// Our notifications in the shape of a Bus.
+class Service {
+public:
+    explicit Service(const standin::DeviceOptions& options) : device_{options} {}
+
+    static void post(const std::string& posted) { notify_post(posted.c_str()); }
+    void observe(const std::string& observed, Work work) {
+        device_.observers.add(observed, std::move(work));
+    }
+    void run() { device_.eventLoop.runUntil(std::numeric_limits<double>::infinity()); }
+    void stop() { device_.eventLoop.stop(); }
+
+private:
+    standin::Device device_;
+};
+
 /// Posts in turn with another process from their callbacks: this one begins if it is the first.
-void callInTurn(const standin::DeviceOptions& options, Shared& shared, std::uint32_t rounds,
-                bool isFirst) {
-    standin::Device device{options};
+template <class Notifications>
+void callInTurn(Notifications&& notifications, Shared& shared, std::uint32_t rounds, bool isFirst) {
     const auto call = [&] {
         shared.posted.store(now());
-        notify_post(isFirst ? "ping" : "pong");
+        notifications.post(isFirst ? "ping" : "pong");
     };
-    device.observers.add(isFirst ? "pong" : "ping", [&, calls = std::uint32_t{0}]() mutable {
+    notifications.observe(isFirst ? "pong" : "ping", [&, calls = std::uint32_t{0}]() mutable {
         const double duration = static_cast<double>(now() - shared.posted);
         if (isFirst) shared.durations[calls] = duration;
         ++calls;
         if (!isFirst || calls < rounds) call();
-        if (calls == rounds) device.eventLoop.stop();
+        if (calls == rounds) notifications.stop();
     });
     if (isFirst) {
         while (shared.isReady.load() == 0) usleep(1000);
@@ -130,7 +152,7 @@ void callInTurn(const standin::DeviceOptions& options, Shared& shared, std::uint
     } else {
         shared.isReady.store(1);
     }
-    device.eventLoop.runUntil(std::numeric_limits<double>::infinity());
+    notifications.run();
 }
 
 void futex(std::atomic<std::uint32_t>& word, int operation, std::uint32_t value) {
@@ -159,8 +181,11 @@ void measureWake(int times, const std::string& engine) {
     pid_t child = 0;
     if (engine == "ours") {
         { const standin::Device made{phoneIn(folder)}; }
-        child = start([&] { callInTurn(phoneIn(folder), shared, rounds, false); });
-        callInTurn(phoneIn(folder), shared, rounds, true);
+        child = start([&] { callInTurn(Service{phoneIn(folder)}, shared, rounds, false); });
+        callInTurn(Service{phoneIn(folder)}, shared, rounds, true);
+    } else if (engine == "dbus") {
+        child = start([&] { callInTurn(Bus{}, shared, rounds, false); });
+        callInTurn(Bus{}, shared, rounds, true);
     } else {
         child = start([&] { takeTurns(shared, rounds, 1); });
         takeTurns(shared, rounds, 0);

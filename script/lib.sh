@@ -7,7 +7,8 @@
 readonly buildPackages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 readonly testPackages=("${buildPackages[@]}" libgtest-dev libgmock-dev libplist-dev
     libssl-dev)
-readonly benchPackages=("${buildPackages[@]}" libbenchmark-dev libpugixml-dev libplist-dev valgrind)
+readonly benchPackages=("${buildPackages[@]}" libbenchmark-dev libpugixml-dev libplist-dev
+    libsystemd-dev dbus-daemon valgrind)
 readonly iosPackages=(g++ libssl-dev clang-14 lld-14 llvm-14)
 readonly repositoryPackages=("${iosPackages[@]}" librsvg2-bin xz-utils)
 readonly deviceTestPackages=("${repositoryPackages[@]}" gobjc++ libgnustep-base-dev googletest
