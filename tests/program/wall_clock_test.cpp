@@ -25,7 +25,9 @@ TEST(WallClock, IsInTheTimeZoneOfWhoeverReadsTimeAndDay) {
     tzset();
 }
 
-TEST(WallClock, GoesOn) { EXPECT_GT(timeNow(), night - std::int64_t{365} * 86400 * microsecondsPerSecond); }
+TEST(WallClock, GoesOn) {
+    EXPECT_GT(timeNow(), night - std::int64_t{365} * 86400 * microsecondsPerSecond);
+}
 
 }  // namespace
 }  // namespace quillet::test
