@@ -20,6 +20,7 @@ void say(bool json, const char* event, const std::string& message, const std::st
     }
     std::cerr << toLine({{"time", isoTime(timeNow())},
                          {"pid", getpid()},
+                         {"program", "springboard"},
                          {"event", event},
                          {"message", message}})
               << std::endl;

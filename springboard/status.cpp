@@ -70,10 +70,10 @@ std::optional<LeftOff> leftOffIn(const std::vector<JournalEntry>& entries) {
 
 std::string effectOf(const Choices& choices, bool isIPod) {
     const auto is = [](const char* word, std::string_view what) { return word == what; };
-    const std::string pause = isIPod ? ", 0.25 s more when unmuted" : "";
     if (is(choices.pattern, "odd")) return "a flip ends SpringBoard: the first is no flag";
     if (!is(choices.pattern, "false")) {
-        return "vibration is left to the system; a flip takes no time" + pause;
+        const std::string effect = "vibration is left to the system; a flip takes no time";
+        return isIPod ? effect + ", 0.25 s when unmuted" : effect;
     }
     if (is(choices.whenOff, "odd") || is(choices.whenOn, "odd")) {
         return "a flip ends SpringBoard: one is no flag";
@@ -84,7 +84,7 @@ std::string effectOf(const Choices& choices, bool isIPod) {
                              : whenOff         ? "buzzes when muted, not when unmuted"
                              : whenOn          ? "buzzes when unmuted, not when muted"
                                                : "never buzzes";
-    return buzz + "; a flip takes 1.0 s" + pause;
+    return buzz + "; a flip takes 1.0 s" + (isIPod ? ", 0.25 s more when unmuted" : "");
 }
 
 void printStatus(const Options& options) {

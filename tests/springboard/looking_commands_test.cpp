@@ -233,6 +233,8 @@ TEST_F(Looking, TheStatusIsAnObjectOnRequest) {
     expectOutput({"flip", "off"}, "off\n");
     const Json told = status();
     EXPECT_EQ(told["event"], "status");
+    EXPECT_EQ(told["effect"],
+              "vibration is left to the system; a flip takes no time, 0.25 s when unmuted");
     EXPECT_EQ(told["model"], "iPod5,1");
     EXPECT_EQ(told["state"], "off");
     EXPECT_EQ(told["word"], 0);
@@ -391,6 +393,7 @@ TEST_F(Looking, ErrorsAreObjectsOnRequest) {
         const Json error = Json::parse(outcome.errors);
         EXPECT_EQ(error["event"], "error");
         EXPECT_THAT(error["message"].get<std::string>(), HasSubstr(message));
+        EXPECT_EQ(error["program"], "springboard");
         EXPECT_TRUE(error.contains("time") && error.contains("pid"));
     };
     expectError(run({"--json", "sing"}), 2, "no such command");
