@@ -29,7 +29,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char settingsPath[] = "/var/mobile/Library/Preferences/com.apple.springboard.plist";
-constexpr char hardwarePath[] = "/var/db/hardware.plist";
 constexpr char preferencesPath[] = "/var/mobile/Library/Preferences/com.velk.switch.ringer.plist";
 
 standin::DeviceOptions phoneIn(const Folder& folder, standin::Clock::Kind clock) {
@@ -89,7 +88,7 @@ void measureFlip(const std::string& bundle, const std::string& settings, int tim
     const fs::path copy = folder.path() / "settings.plist";
     fs::copy_file(settings, copy);
     const fs::path hardware = folder.path() / "hardware.plist";
-    fs::copy_file(flipper.device.below(hardwarePath), hardware);
+    fs::copy_file(flipper.device.below(standin::DeviceRoot::hardwarePath), hardware);
 
     const auto rewriteSettings = [&] {
         rewrite(copy);
