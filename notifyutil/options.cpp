@@ -5,6 +5,7 @@
 
 #include "platform/standin/device/root.h"
 #include "program/help_text.h"
+#include "program/terminal.h"
 
 namespace quillet {
 
@@ -65,8 +66,8 @@ Exit status:
 OfferedArgument argumentCalled(const std::string& name) {
     OfferedArgument argument{.name = name, .isFolder = name == "DIR"};
     if (name == "NAME") argument.words = {standin::DeviceRoot::ringerStateName};
-    if (name == "WHEN") argument.words = {"auto", "always", "never"};
-    if (name == "SHELL") argument.words = {"bash", "zsh", "fish"};
+    if (name == "WHEN") argument.words = colorWords();
+    if (name == "SHELL") argument.words = shells();
     return argument;
 }
 

@@ -2,15 +2,35 @@
 #include "program/completion.h"
 
 #include <algorithm>
+#include <array>
 
 #include "program/usage_error.h"
 
 namespace quillet {
 
+namespace {
+
+struct Shell {
+    const char* name;
+    std::string (*script)(const OfferedCommand&);
+};
+
+constexpr std::array known = {Shell{"bash", bashCompletion}, Shell{"zsh", zshCompletion},
+                              Shell{"fish", fishCompletion}};
+
+}  // namespace
+
+std::vector<std::string> shells() {
+    std::vector<std::string> names;
+    names.reserve(known.size());
+    for (const Shell& shell : known) names.emplace_back(shell.name);
+    return names;
+}
+
 std::string completionScript(const OfferedCommand& program, const std::string& shell) {
-    if (shell == "bash") return bashCompletion(program);
-    if (shell == "zsh") return zshCompletion(program);
-    if (shell == "fish") return fishCompletion(program);
+    for (const auto& [name, script] : known) {
+        if (shell == name) return script(program);
+    }
     throw UsageError("neither bash nor zsh nor fish: " + inQuotes(shell));
 }
 

@@ -39,8 +39,11 @@ struct OfferedCommand {
     std::vector<OfferedCommand> commands = {};
 };
 
+/// The shells that there is a script for: "bash", "zsh", "fish".
+std::vector<std::string> shells();
+
 /// The script by which `shell` completes command lines of `program`. Throws UsageError for a shell
-/// that is neither bash nor zsh nor fish.
+/// that there is none for.
 std::string completionScript(const OfferedCommand& program, const std::string& shell);
 
 std::string bashCompletion(const OfferedCommand& program);

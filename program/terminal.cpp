@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
 #include <sstream>
@@ -21,12 +22,18 @@ std::string_view environment(const char* name) {
 
 }  // namespace
 
+const std::vector<std::string>& colorWords() {
+    static const std::vector<std::string> words = {"auto", "always", "never"};
+    return words;
+}
+
 Color color(std::string_view word) {
-    if (word == "auto") return Color::automatic;
-    if (word != "always" && word != "never") {
+    const auto& words = colorWords();
+    const auto found = std::find(words.begin(), words.end(), word);
+    if (found == words.end()) {
         throw UsageError("neither auto nor always nor never: " + inQuotes(word));
     }
-    return word == "always" ? Color::always : Color::never;
+    return static_cast<Color>(found - words.begin());
 }
 
 bool hasColors(Color when, int descriptor) {

@@ -3,13 +3,17 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillet {
 
 /// When what is printed has colours: by itself means on a terminal.
 enum class Color { automatic, always, never };
 
-/// "auto", "always" or "never". Throws UsageError for any other word.
+/// What people call them, in that order: "auto", "always", "never".
+const std::vector<std::string>& colorWords();
+
+/// The one of these words. Throws UsageError for any other.
 Color color(std::string_view word);
 
 /// Whether what goes to the file `descriptor` has colours. By itself a terminal has, unless it is

@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "program/terminal.h"
 #include "springboard/arguments.h"
 #include "springboard/arrange.h"
 #include "springboard/commands.h"
@@ -77,7 +78,7 @@ void addOtherOptions(CLI::App& app, Options& options) {
         "NO_COLOR is set",
         [&](auto& word) { options.color = color(word); })
         .group("What is printed");
-    offer(app, "--color", {"auto", "always", "never"});
+    offer(app, "--color", colorWords());
     app.set_help_flag("-h,--help", "print this help, or that of the command before it")
         ->group("This program");
     app.add_flag("--version")->description("print the version")->group("This program");
