@@ -12,6 +12,7 @@
 #include "springboard/host_process.h"
 #include "tests/memory/failing_memory.h"
 #include "tests/support/child.h"
+#include "tests/support/names.h"
 #include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
 
@@ -27,9 +28,7 @@ constexpr int memoryLasted = 2;
 class ScarceMemory : public testing::Test {
 protected:
     ScarceMemory() {
-        standin::makeNewPhone(root(),
-                              {{"/var/mobile/Library/Preferences/com.velk.switch.ringer.plist",
-                                {{"ios-vibrate-pattern", false}}}});
+        standin::makeNewPhone(root(), {{preferencesPath, {{"ios-vibrate-pattern", false}}}});
     }
 
     /// How a host ends that makes its device and turns the switch off, without the memory that it

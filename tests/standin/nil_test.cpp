@@ -12,6 +12,7 @@
 #include "platform/run_loop.h"
 #include "platform/springboard_classes.h"
 #include "tests/standin/on_a_device.h"
+#include "tests/support/names.h"
 
 namespace quillet::test {
 namespace {
@@ -93,7 +94,7 @@ TEST_F(NilReference, ABundleHasNoIdentifier) { EXPECT_FALSE(NSBundle{}.bundleIde
 TEST_F(NilReference, APanelAsksNobody) {
     bool drawn = false;
     device().framework.setRedraw([&](std::string_view, FSSwitchState) { drawn = true; });
-    FSSwitchPanel{}.stateDidChangeForSwitchIdentifier("com.velk.switch.ringer");
+    FSSwitchPanel{}.stateDidChangeForSwitchIdentifier(switchIdentifier);
     EXPECT_FALSE(drawn);
 }
 

@@ -22,6 +22,7 @@
 #include "tests/platforms/macho/loader/module.h"
 #include "tests/platforms/macho/loader/runtime.h"
 #include "tests/support/machine.h"
+#include "tests/support/names.h"
 
 namespace quillet::macho {
 namespace {
@@ -64,8 +65,8 @@ public:
         return {};
     }
     void turnOff() {
-        const char* const identifier = "com.velk.switch.ringer";
-        device().framework.dataSource(identifier)->applyState(FSSwitchStateOff, identifier);
+        auto* const dataSource = device().framework.dataSource(test::switchIdentifier);
+        dataSource->applyState(FSSwitchStateOff, test::switchIdentifier);
     }
     Device& device() { return machine_.device(); }
 

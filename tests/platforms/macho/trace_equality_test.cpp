@@ -10,10 +10,10 @@
 #include "platform/standin/device/device.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
-#include "prefs/prefs_loader.h"
 #include "tests/platforms/macho/device_bundle.h"
 #include "tests/platforms/macho/loader/module.h"
 #include "tests/support/machine.h"
+#include "tests/support/names.h"
 
 namespace quillet::test {
 namespace {
@@ -23,10 +23,6 @@ using standin::Dictionary;
 using standin::HostVariant;
 using standin::Value;
 using ::testing::ElementsAreArray;
-
-constexpr char springBoardPreferencesPath[] =
-    "/var/mobile/Library/Preferences/com.apple.springboard.plist";
-constexpr char identifier[] = "com.velk.switch.ringer";
 
 struct Case {
     std::string machine = "iPhone6,1";
@@ -70,11 +66,11 @@ void expectEqualTraces(const Case& with, Scenario scenario, std::size_t atLeast)
 
 /// Every named state and one without a name, with the run loop's turn after each.
 void flip(Device& device) {
-    auto* const dataSource = device.framework.dataSource(identifier);
+    auto* const dataSource = device.framework.dataSource(switchIdentifier);
     for (const int state : {1, 0, 0, 1, -1, 2}) {
-        dataSource->applyState(static_cast<FSSwitchState>(state), identifier);
+        dataSource->applyState(static_cast<FSSwitchState>(state), switchIdentifier);
         device.eventLoop.turn();
-        dataSource->stateForSwitchIdentifier(identifier);
+        dataSource->stateForSwitchIdentifier(switchIdentifier);
     }
 }
 
@@ -166,10 +162,10 @@ TEST(DeviceBuild, LeavesNoObjectBehind) {
 
 TEST(DeviceBuild, LeavesNoObjectBehindWithoutAPreferencesFile) {
     EXPECT_EQ(objectsLeft([](Device& device) {
-                  auto* const dataSource = device.framework.dataSource(identifier);
+                  auto* const dataSource = device.framework.dataSource(switchIdentifier);
                   for (const FSSwitchState state : {FSSwitchStateOff, FSSwitchStateOn}) {
                       std::filesystem::remove(device.below(preferencesPath));
-                      dataSource->applyState(state, identifier);
+                      dataSource->applyState(state, switchIdentifier);
                   }
               }),
               0);
