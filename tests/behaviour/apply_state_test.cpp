@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <optional>
+#include <vector>
 
 #include "platform/standin/runtime/instances.h"
+#include "tests/behaviour/applied.h"
 #include "tests/support/phone.h"
 
 namespace quillet::test {
@@ -12,57 +15,9 @@ namespace {
 
 using standin::Dictionary;
 using standin::HostVariant;
-using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
-
-/// The steps that the world outside the bundle sees.
-const std::vector<std::string> outward = {
-    "notify_register_check",
-    "notify_set_state",
-    "notify_post",
-    "notify_cancel",
-    "activate:",
-    "setRingerMuted:",
-    "runUntilDate:",
-    "AudioServicesPlaySystemSound",
-    "sleepForTimeInterval:",
-    "getVolume:forCategory:",
-    "setVolumeTo:forCategory:",
-    "GSSendAppPreferencesChanged",
-};
-
-const std::string taken = R"(notify_register_check("com.apple.springboard.ringerstate", t1) = 0)";
-const std::string posted = R"(notify_post("com.apple.springboard.ringerstate") = 0)";
-const std::string indicatorOn = "SBRingerHUDController activate:(1)";
-const std::string indicatorOff = "SBRingerHUDController activate:(0)";
-const std::string unmuted = "<SBMediaController> setRingerMuted:(false)";
-const std::string muted = "<SBMediaController> setRingerMuted:(true)";
-const std::string vibrated = "AudioServicesPlaySystemSound(4095)";
-const std::string given = "notify_cancel(t1) = 0";
-
-Dictionary ownVibration(bool whenOff, bool whenOn) {
-    return {
-        {"ios-vibrate-pattern", false}, {"vibrate-when-off", whenOff}, {"vibrate-when-on", whenOn}};
-}
-
-std::size_t vibrations(const Phone& phone) {
-    return only(phone.calls(), {"AudioServicesPlaySystemSound"}).size();
-}
-
-/// What the world sees of applying `state`.
-Calls applied(Phone& phone, std::int32_t state) {
-    phone.log().clear();
-    phone.apply(state);
-    return only(phone.calls(), outward);
-}
-
-std::string stored(int word) { return "notify_set_state(t1, " + std::to_string(word) + ") = 0"; }
-
-std::string volumeSet(const std::string& volume) {
-    return "<AVSystemController> setVolumeTo:forCategory:(" + volume + ", \"Ringtone\") = true";
-}
 
 TEST(ApplyState, IndeterminateDoesNothingAtAll) {
     Phone phone;
@@ -160,24 +115,6 @@ TEST(ApplyState, LeavesVibrationToTheSystemByDefaultWhateverTheOtherChoicesAre) 
     EXPECT_EQ(phone.device().clock.now(), 0.0);
 }
 
-TEST(ApplyState, AsksForTheDefaultPatternAgainAfterTheMute) {
-    // A setter called while the first wait lets the run loop turn counts for the second half.
-    Phone phone;
-    phone.write(preferencesPath, ownVibration(true, true));
-    phone.device().eventLoop.at(0.25, [&] { phone.preferences().setDefaultVibrationPattern(YES); });
-    phone.apply(1);
-    EXPECT_EQ(only(phone.calls(), {"runUntilDate:"}).size(), 1U);
-    EXPECT_EQ(vibrations(phone), 0U);
-}
-
-TEST(ApplyState, AsksForTheVibrationOnlyAfterTheSettingsAreBack) {
-    Phone phone;
-    phone.write(preferencesPath, ownVibration(true, false));
-    phone.device().eventLoop.at(0.75, [&] { phone.preferences().setVibrateWhenOn(YES); });
-    phone.apply(1);
-    EXPECT_EQ(vibrations(phone), 1U);
-}
-
 TEST(ApplyState, GoesOnWhenTheStateCannotBeStored) {
     Phone phone;
     phone.setStateWord(9);
@@ -187,22 +124,6 @@ TEST(ApplyState, GoesOnWhenTheStateCannotBeStored) {
     EXPECT_THAT(applied(phone, 1), ElementsAre(taken, "notify_set_state(t1, 1) = 2", posted,
                                                indicatorOn, unmuted, "notify_cancel(t1) = 2"));
     EXPECT_EQ(phone.stateWord(), 9U);
-}
-
-TEST(ApplyState, GoesOnWhenTheVolumeCanBeNeitherAskedForNorSet) {
-    Phone phone{{.machine = "iPod5,1"}};
-    phone.device().hardware = standin::Hardware{"/nonexistent/hardware.plist"};
-    EXPECT_THAT(
-        applied(phone, 0),
-        ElementsAre(taken, stored(0), posted,
-                    R"(<AVSystemController> getVolume:forCategory:(null, "Ringtone") = false)",
-                    R"(<AVSystemController> setVolumeTo:forCategory:(0, "Ringtone") = false)",
-                    indicatorOff, muted, given));
-    EXPECT_THAT(
-        applied(phone, 1),
-        ElementsAre(
-            taken, stored(1), posted, indicatorOn, unmuted, "NSThread sleepForTimeInterval:(0.25)",
-            R"(<AVSystemController> setVolumeTo:forCategory:(0, "Ringtone") = false)", given));
 }
 
 TEST(ApplyState, OfAnyOtherValueTurnsOnWithoutStoring) {
@@ -304,59 +225,6 @@ TEST(ApplyState, EndsTheProcessWhenASecondControllerCannotMute) {
     EXPECT_DEATH(phone.apply(1), "setRingerMuted:");
 }
 
-TEST(ApplyState, OffOnAnIPodSavesTheVolumeAfterThePostAndBeforeTheIndicator) {
-    Phone phone{{.machine = "iPod5,1"}};
-    phone.device().hardware.setVolume("Ringtone", 0.6F);
-    EXPECT_THAT(
-        applied(phone, 0),
-        ElementsAre(taken, stored(0), posted,
-                    R"(<AVSystemController> getVolume:forCategory:(0.6, "Ringtone") = true)",
-                    volumeSet("0"), indicatorOff, muted, given));
-    EXPECT_EQ(phone.volume(), 0.0F);
-}
-
-TEST(ApplyState, OnOnAnIPodPausesAndRestoresTheVolumeAfterTheVibration) {
-    Phone phone{{.machine = "iPod5,1"}};
-    phone.device().hardware.setVolume("Ringtone", 0.6F);
-    phone.write(preferencesPath, ownVibration(true, true));
-    phone.apply(0);
-    const double before = phone.device().clock.now();
-    phone.log().clear();
-    phone.apply(1);
-    EXPECT_THAT(only(phone.calls(), {"AudioServicesPlaySystemSound",
-                                     "sleepForTimeInterval:", "setVolumeTo:forCategory:"}),
-                ElementsAre(vibrated, "NSThread sleepForTimeInterval:(0.25)", volumeSet("0.6")));
-    EXPECT_EQ(phone.device().clock.now(), before + 1.25) << "the longest call";
-    EXPECT_EQ(phone.volume(), 0.6F);
-    EXPECT_THAT(phone.calls().back(), given);
-}
-
-TEST(ApplyState, OnOnAnIPodServesNothingDuringThePause) {
-    Phone phone{{.machine = "iPod5,1"}};
-    bool served = false;
-    phone.device().eventLoop.at(0.125, [&] { served = true; });
-    phone.apply(1);
-    EXPECT_EQ(phone.device().clock.now(), 0.25);
-    EXPECT_FALSE(served);
-}
-
-TEST(ApplyState, OnOnAnIPodWithoutAFileSetsTheFullVolume) {
-    Phone phone{{.machine = "iPod5,1"}};
-    EXPECT_THAT(only(applied(phone, 1), {"setVolumeTo:forCategory:"}), ElementsAre(volumeSet("1")));
-}
-
-TEST(ApplyState, OnOnAnIPodWithAnUnreadableFileSetsTheFullVolume) {
-    Phone phone{{.machine = "iPod5,1"}};
-    phone.writeBytes(preferencesPath, "<plist><array/></plist>");
-    EXPECT_THAT(only(applied(phone, 1), {"setVolumeTo:forCategory:"}), ElementsAre(volumeSet("1")));
-}
-
-TEST(ApplyState, OnOnAnIPodWithAFileWithoutTheVolumeSetsSilence) {
-    Phone phone{{.machine = "iPod5,1"}};
-    phone.write(preferencesPath, Dictionary{{"ios-vibrate-pattern", true}});
-    EXPECT_THAT(only(applied(phone, 1), {"setVolumeTo:forCategory:"}), ElementsAre(volumeSet("0")));
-}
-
 TEST(ApplyState, ActivatesTheIndicatorAtTheInstanceWhereTheClassDoesNotRespond) {
     Phone phone{{.host = {.indicator = HostVariant::Indicator::instance}}};
     EXPECT_THAT(only(applied(phone, 1), {"activate:"}),
@@ -380,44 +248,6 @@ TEST(ApplyState, DoesTheRestWhereTheHostLacksBothClasses) {
     EXPECT_EQ(only(phone.calls(), {"runUntilDate:"}).size(), 2U);
 }
 
-TEST(ApplyState, ReadsTheOldStateInTheFirstWaitAndTheNewOneInTheSecond) {
-    Phone phone;
-    phone.write(preferencesPath, ownVibration(false, false));
-    phone.setStateWord(1);
-    std::vector<std::pair<double, FSSwitchState>> redraws;
-    phone.device().framework.setRedraw([&](std::string_view, FSSwitchState state) {
-        redraws.emplace_back(phone.device().clock.now(), state);
-    });
-    phone.device().eventLoop.at(0.25, [&] { phone.post(ringerStateName); });
-    phone.device().eventLoop.at(0.75, [&] { phone.post(ringerStateName); });
-    phone.apply(0);
-    EXPECT_THAT(redraws,
-                ElementsAre(std::pair(0.25, FSSwitchStateOn), std::pair(0.5, FSSwitchStateOff),
-                            std::pair(0.75, FSSwitchStateOff)));
-}
-
-TEST(ApplyState, IsRefreshedAfterwardsWhereItDoesNotWait) {
-    Phone phone;
-    std::vector<FSSwitchState> redraws;
-    phone.device().framework.setRedraw(
-        [&](std::string_view, FSSwitchState state) { redraws.push_back(state); });
-    phone.apply(0);
-    EXPECT_THAT(redraws, IsEmpty());
-    phone.device().eventLoop.turn();
-    EXPECT_THAT(redraws, ElementsAre(FSSwitchStateOff));
-}
-
-TEST(ApplyState, MayBeAskedForAnotherStateWhileItWaits) {
-    // The host's own input falls due in the first wait and flips the switch the other way.
-    Phone phone;
-    phone.write(preferencesPath, ownVibration(false, false));
-    phone.device().eventLoop.at(0.25, [&] { phone.apply(1); });
-    phone.apply(0);
-    EXPECT_EQ(phone.stateWord(), 0U) << "the outer call stores last";
-    EXPECT_EQ(phone.device().tokens.count(), 0U);
-    EXPECT_EQ(phone.device().clock.now(), 1.75);
-}
-
 TEST(ApplyState, LeaksNothing) {
     Phone phone{{.machine = "iPod5,1"}};
     phone.write(preferencesPath, ownVibration(true, true));
@@ -427,24 +257,6 @@ TEST(ApplyState, LeaksNothing) {
     for (int flip = 0; flip < 10; ++flip) phone.apply(flip % 2);
     phone.state();
     EXPECT_EQ(standin::Instance::live(), live);
-}
-
-TEST(ApplyState, TakesAtLeastASecondInRealTimeAndReadsTheStateOfTheMoment) {
-    Phone phone{{.clock = standin::Clock::Kind::real}};
-    phone.write(preferencesPath, ownVibration(false, false));
-    phone.setStateWord(1);
-    std::vector<FSSwitchState> redraws;
-    phone.device().framework.setRedraw(
-        [&](std::string_view, FSSwitchState state) { redraws.push_back(state); });
-    const double start = phone.device().clock.now();
-    phone.device().eventLoop.at(start + 0.25, [&] { phone.post(ringerStateName); });
-    phone.device().eventLoop.at(start + 0.75, [&] { phone.post(ringerStateName); });
-    phone.apply(0);
-    EXPECT_GE(phone.device().clock.now() - start, 1.0);
-    // On a busy machine the last two refreshes may fall together.
-    ASSERT_GE(redraws.size(), 2U);
-    EXPECT_EQ(redraws.front(), FSSwitchStateOn);
-    EXPECT_THAT(std::vector(redraws.begin() + 1, redraws.end()), Each(FSSwitchStateOff));
 }
 
 }  // namespace
