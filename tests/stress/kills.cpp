@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/stress/kills.h"
 
-#include <signal.h>
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <chrono>
 #include <memory>
@@ -14,9 +11,9 @@
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "tests/stress/commands.h"
+#include "tests/stress/companion.h"
 #include "tests/stress/laboratory.h"
 #include "tests/stress/marks.h"
-#include "tests/support/child.h"
 #include "tests/support/traced.h"
 
 namespace quillet::test {
@@ -25,44 +22,6 @@ namespace fs = std::filesystem;
 using standin::Dictionary;
 
 namespace {
-
-/// A process that runs beside others, and is killed with the object.
-class Companion {
-public:
-    explicit Companion(const Start& how)
-        : errors_{how.errors}, process_{start(QUILLET_SPRINGBOARD, how)} {}
-    ~Companion() { kill(); }
-    Companion(const Companion&) = delete;
-    Companion& operator=(const Companion&) = delete;
-
-    void kill() {
-        if (!hasEnded_) ::kill(process_, SIGKILL);
-        if (!hasEnded_) status_ = waitFor(process_);
-        hasEnded_ = true;
-    }
-    /// Whether it ends by itself, in time.
-    bool ends() {
-        return hasEnded_ || becomesTrue([this] {
-                   int report = 0;
-                   hasEnded_ = waitpid(process_, &report, WNOHANG) == process_;
-                   status_ = hasEnded_ ? statusOf(report) : 0;
-                   return hasEnded_;
-               });
-    }
-    bool isRunning() {
-        int report = 0;
-        if (!hasEnded_ && waitpid(process_, &report, WNOHANG) == process_) hasEnded_ = true;
-        return !hasEnded_;
-    }
-    int status() const { return status_; }
-    std::string errors() const { return readText(errors_); }
-
-private:
-    fs::path errors_;
-    pid_t process_;
-    bool hasEnded_ = false;
-    int status_ = 0;
-};
 
 /// Where a flip is killed: before or after a call, which is the `place`th; or after a time.
 struct Instant {

@@ -9,6 +9,7 @@
 
 #include "tests/stress/faults.h"
 #include "tests/stress/kills.h"
+#include "tests/stress/turns.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
@@ -17,7 +18,8 @@ namespace {
 
 using Form = std::function<Tally(Extent, const std::filesystem::path&)>;
 
-const std::map<std::string, Form> forms = {{"faults", tryFaults}, {"kills", tryKills}};
+const std::map<std::string, Form> forms = {
+    {"faults", tryFaults}, {"kills", tryKills}, {"turns", tryTurns}};
 
 /// Whether all held.
 bool run(const std::string& form, Extent extent) {
