@@ -71,8 +71,8 @@ void judge(const Laboratory& laboratory, const Run& run, const std::string& faul
 /// and fewer calls that fail from there on, since those are much alike.
 long stepOf(const Fault& fault, Extent extent) {
     if (extent != Extent::brief) return 1;
-    if (fault.kind == Fault::Kind::allocation) return 97;
-    return fault.isForEver ? 3 : 1;
+    if (fault.kind == Fault::Kind::allocation) return 193;
+    return fault.isForEver ? 4 : 1;
 }
 
 /// Place after place, until there is none.

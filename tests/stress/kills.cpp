@@ -210,7 +210,7 @@ Tally tryKills(Extent extent, const fs::path& folder) {
     // Each job takes every so-manieth call; when brief most are left out.
     constexpr std::size_t step = 16;
     const std::size_t jobs =
-        extent == Extent::brief ? commands.size() * step / 2 : commands.size() * step;
+        extent == Extent::brief ? commands.size() * step / 4 : commands.size() * step;
     const int times = extent == Extent::brief ? 10 : extent == Extent::full ? 40 : 8000;
     return share(jobs, folder, [&](std::size_t job, const fs::path& place, Tally& tally) {
         Laboratory laboratory{commands[job % commands.size()], place};

@@ -12,7 +12,7 @@
 namespace quillet::test {
 namespace {
 
-constexpr ServiceExtent shortOne = {2.5, 150, 200, false};
+constexpr ServiceExtent shortOne = {1.5, 250, 200, false};
 constexpr ServiceExtent ordinary = {30, 7, 10000, true};
 constexpr ServiceExtent longOne = {3600, 1, 100000, true};
 
