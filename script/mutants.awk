@@ -27,6 +27,18 @@ function replaceEach(n, old, new,   begin, rest, offset) {
     }
 }
 
+# Every place of `old` that is no part of a longer word.
+function replaceEachWord(n, old, new,   begin, rest, offset) {
+    offset = 0
+    rest = code[n]
+    while (match(rest, "(^|[^A-Za-z0-9_])" old "([^A-Za-z0-9_]|$)")) {
+        begin = offset + RSTART + (substr(rest, RSTART, length(old)) == old ? 0 : 1)
+        change(n, begin, length(old), new, "\"" old "\" becomes \"" new "\"")
+        offset = begin + length(old) - 1
+        rest = substr(code[n], offset + 1)
+    }
+}
+
 # The line with its strings, characters and comment blanked out, as long as before.
 function codeOf(line,   result, i, c, quote) {
     result = ""
@@ -61,12 +73,12 @@ function operators(n,   line, begin) {
     replaceEach(n, " - ", " + ")
     replaceEach(n, "(!", "(")
     replaceEach(n, " !", " ")
-    replaceEach(n, "true", "false")
-    replaceEach(n, "false", "true")
-    replaceEach(n, "YES", "NO")
-    if (code[n] !~ /YES|BOOL NO|NOTIFY/) replaceEach(n, "NO", "YES")
-    replaceEach(n, "FSSwitchStateOn", "FSSwitchStateOff")
-    replaceEach(n, "FSSwitchStateOff", "FSSwitchStateOn")
+    replaceEachWord(n, "true", "false")
+    replaceEachWord(n, "false", "true")
+    replaceEachWord(n, "YES", "NO")
+    if (code[n] !~ /YES|BOOL NO/) replaceEachWord(n, "NO", "YES")
+    replaceEachWord(n, "FSSwitchStateOn", "FSSwitchStateOff")
+    replaceEachWord(n, "FSSwitchStateOff", "FSSwitchStateOn")
 }
 
 function numbers(n,   rest, offset, begin, number, size) {
@@ -139,11 +151,18 @@ function textOf(begin, end,   i, text) {
     return text
 }
 
+# The same in one line.
+function flat(text) {
+    gsub(/\001? +/, " ", text)
+    sub(/^ /, "", text)
+    return text
+}
+
 function statements(n,   end, next_, nextEnd) {
     if (!isStatement(n)) return
     end = endOf(n)
     if (end == 0) return
-    put(n, end - n + 1, "left out", indentOf(n) ";")
+    put(n, end - n + 1, "left out", indentOf(n) ";  // " flat(textOf(n, end)))
     next_ = end + 1
     if (!isStatement(next_) || indentOf(n) != indentOf(next_)) return
     nextEnd = endOf(next_)
