@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -51,6 +52,10 @@ inline std::string marker(unsigned kind, std::size_t count) {
 }
 
 inline std::string asciiObject(const std::string& text) { return marker(0x5, text.size()) + text; }
+
+inline std::string realObject(double number) {
+    return marker(0x2, 3) + bigEndian(std::bit_cast<std::uint64_t>(number), 8);
+}
 
 inline std::string references(const std::vector<std::uint64_t>& numbers, std::size_t size = 1) {
     std::string bytes;

@@ -244,24 +244,6 @@ TEST(MalformedBinaryPropertyList, ContainersThatHoldThemselves) {
     }
 }
 
-TEST(MalformedBinaryPropertyList, SharingThatMultiplies) {
-    for (const std::size_t width : {2U, 10U}) {
-        BinaryPropertyList arrays;
-        for (std::uint64_t level = 1; level <= 60; ++level) {
-            arrays.objects.push_back(arrayObject(std::vector<std::uint64_t>(width, level)));
-        }
-        arrays.objects.push_back("\x09");
-        EXPECT_EQ(readBinaryPropertyList(arrays.bytes()), std::nullopt) << width;
-    }
-}
-
-TEST(MalformedBinaryPropertyList, LongSharedKeysThatMultiply) {
-    BinaryPropertyList file{{arrayObject(std::vector<std::uint64_t>(2000, 1)),
-                             dictionaryObject({2}, {3}), asciiObject(std::string(10000, 'a')),
-                             "\x09"}};
-    EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt);
-}
-
 TEST(MalformedBinaryPropertyList, EveryTruncationOfAGoodFile) {
     const std::string good = smallFile().bytes();
     ASSERT_TRUE(readBinaryPropertyList(good));
