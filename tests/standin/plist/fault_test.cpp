@@ -77,6 +77,7 @@ TEST(Fault, TellsWhatIsWrongWithAnXMLDocument) {
         {"<string>a", "column 10: an end of the file before that of the value"},
         {"<string>a&nbsp;</string>", "column 11: a reference to no character that is known"},
         {"<string>a&b</string>", "column 11: a reference to no character that is known"},
+        {"<string>&amp", "column 10: a reference to no character that is known"},
         {"<string>a<b/></string>", "column 10: an element inside a text"},
         {"<string><?xml ?></string>", "column 9: an XML declaration inside a text"},
         {"<string>ab\xFFz</string>", "column 11: bytes that are no text in UTF-8"},
@@ -97,6 +98,42 @@ TEST(Fault, TellsWhatIsWrongWithAnXMLDocument) {
     std::string deep;
     for (int i = 0; i <= maxDepth; ++i) deep += "<array>\n";
     EXPECT_EQ(complaintAbout(deep), "line 513, column 1: containers that nest too deep");
+}
+
+TEST(Fault, IsInAnEndTagThatDoesNotMatchWhateverTheElement) {
+    for (const std::string name :
+         {"string", "integer", "real", "date", "true", "false", "data", "key"}) {
+        EXPECT_EQ(complaintAbout("<" + name + ">1</a>"), "line 1, column " +
+                                                             std::to_string(name.size() + 4) +
+                                                             ": an end tag that does not match");
+    }
+}
+
+TEST(Fault, TellsOfDuplicateKeysThatTakeTooLongToMerge) {
+    // Around so many flags 500 dictionaries, of which each has a key twice.
+    const auto document = [](int flags) {
+        std::string nested = "<array>";
+        for (int i = 0; i < flags; ++i) nested += "<true/>";
+        nested += "</array>";
+        for (int i = 0; i < 500; ++i) {
+            nested =
+                "<dict><key>b</key><true/><key>a</key>" + nested + "<key>b</key><true/></dict>";
+        }
+        return nested;
+    };
+    EXPECT_EQ(complaintAbout(document(500)), "none");
+    EXPECT_TRUE(
+        complaintAbout(document(3000)).ends_with(": too many duplicate keys in one another"));
+}
+
+TEST(Fault, IsInNoKeysThatAreDifferentHoweverManyAndHoweverDeep) {
+    std::string keys;
+    for (char key = 'z'; key >= 'a'; --key) keys += "<key>"s + key + "</key><true/>";
+    std::string nested = "<array>";
+    for (int i = 0; i < 20000; ++i) nested += "<true/>";
+    nested += "</array>";
+    for (int i = 0; i < 100; ++i) nested = "<dict>" + keys + "<key/>" + nested + "</dict>";
+    EXPECT_EQ(complaintAbout(nested), "none");
 }
 
 TEST(Fault, OfAnEncodingThatIsNotKnownIsAtTheBegin) {
@@ -120,6 +157,10 @@ TEST(Fault, TellsWhereAndWhatIsWrongWithABinaryFile) {
               "offset 8: an object that is none, or cut short");
     EXPECT_EQ(complaint({"\xA2\x01"}), "offset 8: a container that is cut short");
     EXPECT_EQ(complaint({"\xA1\x07"}), "offset 10: a reference to no object");
+    // An offset that is none is where the fault lies itself.
+    const std::string good = BinaryPropertyList{{arrayObject({1}), "\x09"}}.bytes();
+    EXPECT_EQ(complaintAbout(std::string{good}.replace(13, 2, 2, '\0')),
+              "offset 13: a reference to no object");
     EXPECT_EQ(complaint({"\xD1\x01\x01", "\x09"}), "offset 11: a key that is no string");
     EXPECT_EQ(complaint({"\xA1\x00"s}), "offset 8: containers that nest too deep");
     std::vector<std::string> doubling;

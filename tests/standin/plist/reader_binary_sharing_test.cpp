@@ -100,5 +100,62 @@ TEST(SharedObjects, AreTooManyWhereLongKeysMultiply) {
     EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt);
 }
 
+TEST(SharedObjects, AreTooManyWhereEmptyContainersMultiply) {
+    for (const char* empty : {"\xA0", "\xD0"}) {
+        BinaryPropertyList file;
+        for (std::uint64_t level = 1; level <= 17; ++level) {
+            file.objects.push_back(arrayObject({level, level}));
+        }
+        file.objects.push_back(empty);
+        EXPECT_EQ(readBinaryPropertyList(file.bytes()), std::nullopt);
+    }
+}
+
+TEST(SharedObjects, AreAsManyAsTheSizeOfTheFileAllows) {
+    // 101 values for each reference, and a large file of which no more is used.
+    const auto file = [](std::size_t references) {
+        BinaryPropertyList made{{arrayObject(std::vector<std::uint64_t>(references, 1), 2),
+                                 arrayObject(std::vector<std::uint64_t>(100, 2), 2)}};
+        made.objects.resize(50000, "\x08");
+        made.offsetSize = 3;
+        made.referenceSize = 2;
+        return made.bytes();
+    };
+    EXPECT_TRUE(readBinaryPropertyList(file(3000)));
+    EXPECT_EQ(readBinaryPropertyList(file(3015)), std::nullopt);
+}
+
+/// An array of texts that have 10000 bytes of the file each, most of them the same.
+std::string overlappingTexts(std::uint64_t count, const std::string& textMarker) {
+    BinaryPropertyList file{{""}};
+    file.referenceSize = 2;
+    std::vector<std::uint64_t> numbers;
+    for (std::uint64_t number = 1; number <= count; ++number) numbers.push_back(number);
+    file.objects.front() = arrayObject(numbers, 2);
+    file.objects.insert(file.objects.end(), count, textMarker);
+    file.objects.emplace_back(10000, 'a');
+    return file.bytes();
+}
+
+TEST(SharedObjects, AreTooManyWhereOverlappingTextsMultiply) {
+    for (const std::uint64_t count : {400U, 1000U}) {
+        Fault fault;
+        EXPECT_EQ(
+            readBinaryPropertyList(overlappingTexts(count, "\x5F\x11\x27\x10"), &fault).has_value(),
+            count == 400);
+        EXPECT_STREQ(fault.reason,
+                     count == 400 ? "" : "more shared parts than the size of the file allows");
+    }
+    // Of the bytes of data nothing is looked at.
+    EXPECT_TRUE(readBinaryPropertyList(overlappingTexts(1000, "\x4F\x11\x27\x10")));
+}
+
+TEST(SharedObjects, AreTooManyWhereTheyOverlapInAnotherEncoding) {
+    for (const std::uint64_t count : {100U, 200U}) {
+        const auto value = readBinaryPropertyList(overlappingTexts(count, "\x6F\x11\x13\x88"));
+        EXPECT_EQ(value.has_value(), count == 100) << count;
+    }
+}
+
 }  // namespace
 }  // namespace quillet::standin

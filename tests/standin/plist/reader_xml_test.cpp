@@ -49,9 +49,9 @@ TEST(XMLPropertyList, ReadsAllEightKinds) {
 TEST(XMLPropertyList, ThePrologMayTakeEveryForm) {
     for (const char* prolog :
          {"", "\xEF\xBB\xBF", "<?xml version='1.0'?>", "<?xml version=\"1.0\" encoding=\"utf-8\"?>",
-          "<?xml version = '1.0' encoding = 'US-ASCII' standalone='yes' ?>", " \t\r\n",
-          "<!-- a > b -- ' \" <plist> -->", "<!-->-->", "<?style 'a' ?>", "<?xmlish encoding='x'?>",
-          "<!DOCTYPE plist>", "<!DOCTYPE plist SYSTEM 'a>b' >",
+          "<?xml version = '1.0' encoding = 'US-ASCII' standalone='yes' ?>", "<?xml a~='b'?>",
+          " \t\r\n", "<!-- a > b -- ' \" <plist> -->", "<!-->-->", "<?style 'a' ?>",
+          "<?xmlish encoding='x'?>", "<!DOCTYPE plist>", "<!DOCTYPE plist SYSTEM 'a>b' >",
           "<!DOCTYPE plist [ <!ENTITY a \"]>\"> <!-- ]> ' --> <?p ]> ' ?> ]>",
           "<?xml version='1.0'?><!-- a --><!DOCTYPE plist><?p?><!-- b -->"}) {
         EXPECT_EQ(readXMLPropertyList(prolog + std::string{"<plist><true/></plist>"}), Value{true})
@@ -97,6 +97,9 @@ TEST(XMLPropertyList, ADictionaryOfOneCertainKeyIsAnArchivesIdentifier) {
               (Value{Dictionary{{"CF$UID", "7"}}}));
     EXPECT_EQ(readXMLPropertyList(uid(key + "<integer>7</integer><key>a</key><true/>")),
               (Value{Dictionary{{"CF$UID", 7}, {"a", true}}}));
+    EXPECT_EQ(readXMLPropertyList(uid("<key>a</key><array><string>CF$UID</string>"
+                                      "<integer>7</integer></array>")),
+              (Value{Dictionary{{"a", Array{"CF$UID", 7}}}}));
     EXPECT_EQ(readXMLPropertyList(uid("<key>cf$uid</key><integer>7</integer>")),
               (Value{Dictionary{{"cf$uid", 7}}}));
 }

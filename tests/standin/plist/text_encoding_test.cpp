@@ -54,6 +54,7 @@ TEST(TextEncoding, HalfACharacterAtTheEndIsIgnored) {
     for (const std::size_t size : {std::size_t{2}, std::size_t{4}}) {
         EXPECT_EQ(readPropertyList(inUnits(U"<true/>", size, false) + 'x'), Value{true}) << size;
     }
+    EXPECT_EQ(documentInUTF8("\xFE\xFF\0a\xD8\x3D\xDE"s), "a\uFFFD");
     EXPECT_EQ(readPropertyList("\xFE\xFF"), std::nullopt);
     EXPECT_EQ(readPropertyList("\xFF\xFE\0\0"s), std::nullopt);
 }
@@ -75,7 +76,7 @@ TEST(TextEncoding, UTF8HasSeveralNames) {
 }
 
 TEST(TextEncoding, SingleBytesAreLatin1OrItsRelativeWithTheTypographersQuotes) {
-    for (const char* name : {"ISO-8859-1", "iso-8859-1", "latin1"}) {
+    for (const char* name : {"ISO-8859-1", "iso8859-1", "iso_8859-1", "latin1"}) {
         EXPECT_EQ(readPropertyList(declared(name, "a\xE9\x80\xFF")), Value{"a\u00E9\u0080\u00FF"})
             << name;
     }

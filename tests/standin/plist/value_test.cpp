@@ -42,8 +42,8 @@ TEST(Value, AStringReadsAsYesByItsFirstCharacterThatCounts) {
         EXPECT_EQ(boolValue(std::string{yes}), true) << yes;
     }
     for (const char* no :
-         {"",    " ",   "0",   "000", "+",   "-",  "N",  "n", "no", "false", "F",        "++1",
-          "+-1", "-+Y", "+ 1", "0 1", "0.5", ".5", "x1", "/", ":",  "on",    "\xC2\xA0Y"}) {
+         {"",    " ",   "0",   "000", "+",  "-",  "N", "n", "no", "false",     "F", "++1", "+-1",
+          "-+Y", "+ 1", "0 1", "0.5", ".5", "x1", "/", ":", "on", "\xC2\xA0Y", "~", "~Y",  "0~1"}) {
         EXPECT_EQ(boolValue(std::string{no}), false) << no;
     }
 }
@@ -130,6 +130,7 @@ TEST(Value, AStringsNumberBeyondTheFloatsReadsAsAnInfinityOrZero) {
                  {"-1" + zeros + ".5", -infinity},
                  {"0." + zeros + "1", 0.0F},
                  {"0." + zeros + "1e500", infinity},
+                 {"0." + zeros + "1e+500", infinity},
                  {"1" + zeros + "e-500", 0.0F},
                  {"0." + zeros + "1e401", 1.0F},
                  {"0e99999999999999999999", 0.0F},

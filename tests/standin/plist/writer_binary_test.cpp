@@ -7,7 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "platform/standin/plist/object_table.h"
 #include "platform/standin/plist/property_list.h"
+#include "platform/standin/plist/tape.h"
+#include "platform/standin/plist/writer_binary.h"
 #include "tests/standin/plist/binary_property_list.h"
 #include "tests/support/values.h"
 
@@ -69,6 +72,14 @@ TEST(BinaryPropertyListWriter, EqualValuesThatHoldNothingAreOneObject) {
     EXPECT_EQ(inBinary(*read), fileOf({arrayObject({1, 1, 1}), "\x51z"}));
 }
 
+TEST(BinaryPropertyListWriter, TextsThatBeginAtOnePlaceOfAFileAreAsLongAsTheyWere) {
+    // The length of the first one, 81, is the marker of the second.
+    const std::string letters(81, 'a');
+    const auto read = readPropertyList(fileOf({arrayObject({1, 2}), "\x5F\x10", "\x51" + letters}));
+    ASSERT_EQ(read, (Value{Array{letters, "a"}}));
+    EXPECT_EQ(readPropertyList(inBinary(*read)), read);
+}
+
 TEST(BinaryPropertyListWriter, ValuesThatOnlyLookEqualAreNot) {
     const Value value = Array{1, 1.0, true, UID{1}, Date{1}, "1", Data{"1"}, 0.0, -0.0, "", Data{}};
     const auto read = readBinaryPropertyList(inBinary(value));
@@ -106,6 +117,9 @@ TEST(BinaryPropertyListWriter, IntegersTakeNoMoreBytesThanTheyNeed) {
         EXPECT_EQ(objectOf(value), object) << testing::PrintToString(value);
         EXPECT_EQ(readObject(object), value);
     }
+    // Of a kind that has room for more.
+    EXPECT_EQ(objectOf(std::uint64_t{7}), "\x10\x07");
+    EXPECT_EQ(objectOf(std::uint64_t{most}), "\x13\x7F" + std::string(7, '\xFF'));
 }
 
 TEST(BinaryPropertyListWriter, IdentifiersTakeNoMoreBytesThanTheyNeed) {
@@ -142,6 +156,7 @@ TEST(BinaryPropertyListWriter, StringsAreASCIIOrElseUTF16) {
 TEST(BinaryPropertyListWriter, BytesThatAreNoUTF8AreReplacedOneByOne) {
     EXPECT_EQ(objectOf("\xE2\x82"s), "\x62\xFF\xFD\xFF\xFD");
     EXPECT_EQ(objectOf("\xFF\xC3\xA9"s), "\x62\xFF\xFD\x00\xE9"s);
+    EXPECT_EQ(objectOf("\x80"s), "\x61\xFF\xFD");
 }
 
 TEST(BinaryPropertyListWriter, CountsFromFifteenOnAreIntegers) {
@@ -199,6 +214,18 @@ TEST(BinaryPropertyListWriter, ThatADictionaryLooksLikeAnIdentifierDoesNotMatter
     EXPECT_EQ(objectOf(UID{7}), "\x80\x07");
     const Value value = Dictionary{{"CF$UID", 7}};
     EXPECT_EQ(readBinaryPropertyList(inBinary(value)), value);
+}
+
+TEST(BinaryPropertyListWriter, TakesALimitToTheByte) {
+    const Array value{1, "text", Array{UID{7}, 0.5}};
+    const std::string file = inBinary(value);
+    const Node& head = value.head();
+    const std::size_t forTable =
+        ObjectTable::memoryFor(static_cast<std::size_t>(head.next() - &head));
+    EXPECT_EQ(writeBinary(head, forTable + file.size()), file);
+    for (const std::size_t less : {forTable + file.size() - 1, forTable, forTable - 1}) {
+        EXPECT_EQ(writeBinary(head, less), std::nullopt) << less;
+    }
 }
 
 TEST(BinaryPropertyListWriter, EntriesKeepTheirOrder) {

@@ -138,6 +138,7 @@ TEST(PropertyListWriter, WritesTheWholeSecondThatADateFallsIn) {
                  {252423993600, "10000-01-01T00:00:00Z"},
                  {-63114076800, "0000-12-30T00:00:00Z"},
                  {-63177062400, "-0001-01-01T00:00:00Z"},
+                 {67767975255225600.0, "2147483647-12-31T23:59:59Z"},
                  {1e300, "2147483647-12-31T23:59:59Z"},
                  {-1e300, "-2147483647-01-01T00:00:00Z"},
                  {std::numeric_limits<double>::quiet_NaN(), "0001-01-01T00:00:00Z"}};
@@ -156,6 +157,8 @@ TEST(PropertyListWriter, TakesALimitToTheByte) {
 TEST(PropertyListWriter, WritesAnIdentifierAsADictionaryThatReadsBackAsOne) {
     EXPECT_EQ(written(UID{7}), document("<dict>\n\t<key>CF$UID</key>\n"
                                         "\t<integer>7</integer>\n</dict>"));
+    EXPECT_EQ(written(Array{UID{7}}), document("<array>\n\t<dict>\n\t\t<key>CF$UID</key>\n"
+                                               "\t\t<integer>7</integer>\n\t</dict>\n</array>"));
     const Value value = Dictionary{{"root", Array{UID{0}, UID{1}}}};
     EXPECT_EQ(readXMLPropertyList(written(value)), value);
 }
