@@ -24,9 +24,8 @@ using Enclosure = TapeBuilder::Enclosure;
 using TagKind = XMLScanner::Kind;
 
 std::string_view trimmed(std::string_view text) {
-    const auto isSpace = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; };
-    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
-    while (!text.empty() && isSpace(text.back())) text.remove_suffix(1);
+    while (!text.empty() && XMLScanner::isSpace(text.front())) text.remove_prefix(1);
+    while (!text.empty() && XMLScanner::isSpace(text.back())) text.remove_suffix(1);
     return text;
 }
 

@@ -16,10 +16,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::string_view spaceInTags = " \t\r\n";
-
 void trimFront(std::string_view& text) {
-    text.remove_prefix(std::min(text.find_first_not_of(spaceInTags), text.size()));
+    text.remove_prefix(std::min(text.find_first_not_of(xmlSpaces), text.size()));
 }
 
 /// Takes `name = "value"` off the front of an XML declaration's content.
@@ -43,7 +41,7 @@ std::string_view declarationOf(std::string_view document) {
     constexpr std::string_view start = "<?xml";
     if (!document.starts_with(start)) return {};
     document.remove_prefix(start.size());
-    if (document.empty() || spaceInTags.find(document.front()) == spaceInTags.npos) return {};
+    if (document.empty() || xmlSpaces.find(document.front()) == xmlSpaces.npos) return {};
     return document.substr(0, document.find("?>"));
 }
 

@@ -11,4 +11,7 @@ inline constexpr std::string_view xmlProlog =
     "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
     "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n";
 
+/// XML's white space.
+inline constexpr std::string_view xmlSpaces = " \t\r\n";
+
 }  // namespace quillet::standin

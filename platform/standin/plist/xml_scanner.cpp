@@ -180,7 +180,7 @@ bool XMLScanner::takeReference(char*& text) {
 bool XMLScanner::takeMarkup(char*& text) {
     if (consume('&')) return takeReference(text);
     if (consume("<!--")) return skipPast("-->");
-    if (isAt("<?xml") && spaces[static_cast<unsigned char>(next_[5])]) {
+    if (isAt("<?xml") && isSpace(next_[5])) {
         return fail("an XML declaration inside a text");
     }
     if (consume("<?")) return skipPast("?>");

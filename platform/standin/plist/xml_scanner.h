@@ -89,6 +89,8 @@ public:
         return takeShortName() == name && (consume('>') || takeLateEnd());
     }
 
+    static bool isSpace(char c) { return spaces[static_cast<unsigned char>(c)]; }
+
     /// What was malformed.
     Fault fault() const { return {offsetOf(next_), reason_}; }
 
@@ -127,7 +129,7 @@ private:
     bool skipPast(std::string_view token);
     void skipWhiteSpace() {
         next_ += zeroBytes(eightBytes() ^ newLine);
-        while (spaces[static_cast<unsigned char>(*next_)]) ++next_;
+        while (isSpace(*next_)) ++next_;
     }
     bool skipToTag();
     bool skipMarkup();
@@ -169,7 +171,7 @@ private:
     static constexpr std::uint64_t newLine = xmlName("\n\t\t\t\t\t\t\t");
     /// The bit that letters have and what ends a name has not.
     static constexpr std::uint64_t letterBits = 0x4040404040404040U;
-    static constexpr auto spaces = tableOf(" \t\r\n");
+    static constexpr auto spaces = tableOf(xmlSpaces);
     static constexpr auto nameEnds = tableOf("/> \t\r\n");
 
     char* start_;
