@@ -30,10 +30,6 @@ constexpr days cycle{146097};
 
 constexpr sys_days epoch = year{2001} / month{1} / day{1};
 
-constexpr std::int64_t floorOfQuotient(std::int64_t number, std::int64_t divisor) {
-    return number / divisor - (number % divisor < 0 ? 1 : 0);
-}
-
 struct CalendarDate {
     std::int64_t year;
     month inYear;
@@ -41,17 +37,15 @@ struct CalendarDate {
 };
 
 constexpr year_month_day withinACycle(CalendarDate date) {
-    const auto rest = date.year - floorOfQuotient(date.year, cycleYears) * cycleYears;
-    return year{static_cast<int>(rest)} / date.inYear / date.inMonth;
+    return year{static_cast<int>(date.year % cycleYears)} / date.inYear / date.inMonth;
 }
 
 constexpr seconds sinceEpoch(CalendarDate date) {
-    const std::int64_t cycles = floorOfQuotient(date.year, cycleYears);
-    return sys_days{withinACycle(date)} - epoch + cycles * cycle;
+    return sys_days{withinACycle(date)} - epoch + date.year / cycleYears * cycle;
 }
 
 constexpr CalendarDate calendarDate(sys_days date) {
-    const std::int64_t cycles = floorOfQuotient(date.time_since_epoch() / days{1}, cycle / days{1});
+    const std::int64_t cycles = date.time_since_epoch() / cycle;
     const year_month_day rest{date - cycles * cycle};
     return {static_cast<int>(rest.year()) + cycles * cycleYears, rest.month(), rest.day()};
 }

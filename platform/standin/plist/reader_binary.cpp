@@ -21,12 +21,12 @@ using Enclosure = TapeBuilder::Enclosure;
 /// trailer = 6 bytes unused, offset size (1), reference size (1), number of objects (8),
 ///           top object (8), position of the offsets (8)
 struct Trailer {
-    std::size_t offsetSize = 0;
-    std::size_t referenceSize = 0;
-    std::uint64_t top = 0;
+    std::size_t offsetSize;
+    std::size_t referenceSize;
+    std::uint64_t top;
     // No larger than the file, which lies in memory.
-    std::size_t objects = 0;
-    std::size_t offsets = 0;
+    std::size_t objects;
+    std::size_t offsets;
 };
 
 constexpr std::string_view magic = "bplist0";
@@ -36,23 +36,23 @@ std::optional<Trailer> trailerOf(std::string_view file) {
     if (file.size() < headerSize + trailerSize || !file.starts_with(magic)) return std::nullopt;
     const std::size_t end = file.size() - trailerSize;
     const std::string_view bytes = file.substr(end);
-    Trailer trailer{static_cast<unsigned char>(bytes[6]), static_cast<unsigned char>(bytes[7]),
-                    bigEndian(bytes.substr(16, 8))};
+    const std::size_t offsetSize = static_cast<unsigned char>(bytes[6]);
+    const std::size_t referenceSize = static_cast<unsigned char>(bytes[7]);
     const std::uint64_t objects = bigEndian(bytes.substr(8, 8));
-    const std::uint64_t offsets = bigEndian(bytes.substr(24, 8));
+    const std::uint64_t top = bigEndian(bytes.substr(16, 8));
+    const std::uint64_t offsets = bigEndian(bytes.substr(24));
     const auto isSize = [](std::size_t size) { return size >= 1 && size <= 16; };
-    if (!isSize(trailer.offsetSize) || !isSize(trailer.referenceSize)) return std::nullopt;
+    if (!isSize(offsetSize) || !isSize(referenceSize)) return std::nullopt;
     // The offsets lie between the objects and the trailer, and nothing else does.
-    if (offsets > end || (end - offsets) % trailer.offsetSize != 0) return std::nullopt;
-    if (objects != (end - offsets) / trailer.offsetSize) return std::nullopt;
+    if (offsets > end || (end - offsets) % offsetSize != 0) return std::nullopt;
+    if (objects != (end - offsets) / offsetSize) return std::nullopt;
     const auto reaches = [](std::size_t size, std::uint64_t number) {
         return size >= sizeof number || number >> (8 * size) == 0;
     };
-    if (!reaches(trailer.referenceSize, objects)) return std::nullopt;
-    if (!reaches(trailer.offsetSize, offsets)) return std::nullopt;
-    trailer.objects = static_cast<std::size_t>(objects);
-    trailer.offsets = static_cast<std::size_t>(offsets);
-    return trailer;
+    if (!reaches(referenceSize, objects)) return std::nullopt;
+    if (!reaches(offsetSize, offsets)) return std::nullopt;
+    return Trailer{offsetSize, referenceSize, top, static_cast<std::size_t>(objects),
+                   static_cast<std::size_t>(offsets)};
 }
 
 /// Goes through the objects from the top one, depth first. Texts that references share are shared;

@@ -58,7 +58,8 @@ std::optional<double> realIn(std::string_view text) {
     }
     const double sign = takeSign(text) ? -1.0 : 1.0;
     std::string word{text};
-    for (char& c : word) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c | 0x20 : c);
+    // The bit that tells a small letter from its capital.
+    for (char& c : word) c = static_cast<char>(c | 0x20);
     if (word == "nan") return std::numeric_limits<double>::quiet_NaN();
     if (word != "inf" && word != "infinity") return std::nullopt;
     return sign * std::numeric_limits<double>::infinity();
@@ -205,10 +206,8 @@ private:
 
     /// The text of the element that the tag begins, up to its end; its end tag is taken.
     bool takeText(XMLScanner::Tag tag, XMLScanner::Text& text) {
-        if (tag.kind != TagKind::start) {
-            text = {{}, true};
-            return tag.kind == TagKind::empty || failAtTag("an end without a start");
-        }
+        if (tag.kind == TagKind::empty) return true;
+        if (tag.kind != TagKind::start) return failAtTag("an end without a start");
         const auto found = scanner_.text();
         if (!found) return failInText(tag);
         text = *found;

@@ -44,8 +44,7 @@ std::vector<Member> membersOf(const std::vector<const Node*>& keys, Counts count
             members.back().counted = key;
         }
     }
-    std::sort(members.begin(), members.end(),
-              [](const Member& a, const Member& b) { return a.key < b.key; });
+    std::ranges::sort(members, {}, &Member::key);
     return members;
 }
 

@@ -86,7 +86,6 @@ std::string fromSingleBytes(std::string_view bytes, bool isWindows) {
 
 std::string fromUTF16(std::string_view bytes, HighByte order) {
     std::string text;
-    text.reserve(bytes.size());
     appendUTF16(text, bytes, order);
     return text;
 }

@@ -17,7 +17,7 @@ constexpr std::string_view header = "bplist00";
 
 /// How many bytes a number is stored in: 1, 2, 4 or 8.
 std::size_t widthOf(std::uint64_t number) {
-    return std::bit_ceil((static_cast<std::size_t>(std::bit_width(number | 1U)) + 7) / 8);
+    return std::bit_ceil((static_cast<std::size_t>(std::bit_width(number)) + 7) / 8);
 }
 
 /// From this character on, UTF-16 takes two units.

@@ -137,7 +137,6 @@ bool XMLScanner::skipAttributes() {
 XMLScanner::Tag XMLScanner::startTag() {
     isBeforeFirstTag_ = false;
     const XMLName name = takeName();
-    if (consume('>')) return {Kind::start, name};
     if (!skipAttributes()) return {Kind::malformed, 0};
     if (consume('>')) return {Kind::start, name};
     if (consume("/>")) return {Kind::empty, name};

@@ -49,7 +49,7 @@ public:
     struct Text {
         std::string_view characters;
         /// That nothing in it needs to be escaped.
-        bool isPlain;
+        bool isPlain = true;
     };
 
     /// Works on `document`, which must outlive the scanner, its tags and its texts: a text with
