@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/notify.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -12,14 +11,12 @@ namespace quillet {
 using standin::Answer;
 using standin::Device;
 using standin::DeviceRoot;
-using standin::Subscription;
+using standin::NotificationTable;
 using standin::Told;
 
 namespace {
 
-uint32_t statusOf(const std::shared_ptr<Subscription>& token) {
-    return token == nullptr ? NOTIFY_STATUS_INVALID_TOKEN : NOTIFY_STATUS_OK;
-}
+uint32_t statusOf(bool isToken) { return isToken ? NOTIFY_STATUS_OK : NOTIFY_STATUS_INVALID_TOKEN; }
 
 /// What a call left in an out argument.
 template <class Value>
@@ -43,32 +40,34 @@ uint32_t notify_register_check(const char* name, int* outToken) {
 
 uint32_t notify_check(int token, int* outCheck) {
     Device& device = Device::current();
-    const auto found = device.tokens.find(token);
-    if (found != nullptr) *outCheck = found->check();
-    device.trace.function("notify_check", token, left(found != nullptr, *outCheck),
-                          Answer{statusOf(found)});
-    return statusOf(found);
+    const std::optional<bool> found = device.tokens.check(token);
+    if (found) *outCheck = *found;
+    const uint32_t status = statusOf(found.has_value());
+    device.trace.function("notify_check", token, left(found.has_value(), *outCheck),
+                          Answer{status});
+    return status;
 }
 
 uint32_t notify_get_state(int token, uint64_t* outState) {
     Device& device = Device::current();
-    const auto found = device.tokens.find(token);
-    if (found != nullptr) *outState = found->entry().state.load();
-    device.trace.function("notify_get_state", token, left(found != nullptr, *outState),
-                          Answer{statusOf(found)});
-    return statusOf(found);
+    const NotificationTable::Entry* const entry = device.tokens.find(token);
+    if (entry != nullptr) *outState = entry->state.load();
+    const uint32_t status = statusOf(entry != nullptr);
+    device.trace.function("notify_get_state", token, left(entry != nullptr, *outState),
+                          Answer{status});
+    return status;
 }
 
 uint32_t notify_set_state(int token, uint64_t state) {
     Device& device = Device::current();
-    const auto found = device.tokens.find(token);
-    if (found != nullptr) {
-        found->entry().state.store(state);
-        const std::string_view name = found->entry().view();
-        device.journal.add("word-set", Told{"name", name}, Told{"word", state});
+    NotificationTable::Entry* const entry = device.tokens.find(token);
+    if (entry != nullptr) {
+        entry->state.store(state);
+        device.journal.add("word-set", Told{"name", entry->view()}, Told{"word", state});
     }
-    device.trace.function("notify_set_state", token, state, Answer{statusOf(found)});
-    return statusOf(found);
+    const uint32_t status = statusOf(entry != nullptr);
+    device.trace.function("notify_set_state", token, state, Answer{status});
+    return status;
 }
 
 uint32_t notify_post(const char* name) {

@@ -7,6 +7,7 @@
 #include <limits>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "tests/standin/on_a_device.h"
 #include "tests/support/no_room.h"
@@ -191,6 +192,40 @@ TEST_F(Notify, NoNumberIsGivenTwice) {
         EXPECT_TRUE(numbers.insert(token).second) << token;
         if (i % 2 == 0) notify_cancel(token);
     }
+}
+
+TEST_F(Notify, ManyTokensAtOnceAreEachTheirOwn) {
+    constexpr int count = 500;
+    std::vector<int> tokens;
+    for (int i = 0; i < count; ++i) {
+        tokens.push_back(tokenFor("name." + std::to_string(i)));
+        notify_set_state(tokens.back(), static_cast<std::uint64_t>(i));
+        EXPECT_EQ(check(tokens.back()), 1) << i;
+    }
+    for (int i = 0; i < count; i += 2) notify_cancel(tokens[static_cast<std::size_t>(i)]);
+    notify_post("name.7");
+    EXPECT_EQ(device().tokens.count(), std::size_t{count} / 2);
+    for (int i = 0; i < count; ++i) {
+        const int token = tokens[static_cast<std::size_t>(i)];
+        if (i % 2 == 0) {
+            expectNoToken(token);
+        } else {
+            EXPECT_EQ(wordOf(token), static_cast<std::uint64_t>(i));
+            EXPECT_EQ(check(token), i == 7 ? 1 : 0) << i;
+        }
+    }
+}
+
+TEST_F(Notify, ATokenLastsHoweverManyComeAndGo) {
+    const int token = tokenFor("a.name");
+    notify_set_state(token, 6);
+    for (int i = 0; i < 1000; ++i) {
+        const int other = tokenFor("another.name");
+        ASSERT_EQ(wordOf(other), 0U) << i;
+        notify_cancel(other);
+        expectNoToken(other);
+    }
+    EXPECT_EQ(wordOf(token), 6U);
 }
 
 TEST_F(Notify, WithoutRoomNewNamesFailAndOldOnesGoOn) {

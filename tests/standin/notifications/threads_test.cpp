@@ -10,7 +10,6 @@
 
 #include "platform/notify.h"
 #include "platform/standin/device/device.h"
-#include "platform/standin/notifications/subscription.h"
 #include "tests/support/child.h"
 #include "tests/support/temporary_folder.h"
 
@@ -90,6 +89,34 @@ TEST_F(Threads, OneMayCancelATokenThatOthersUse) {
         });
         ASSERT_EQ(cancelled, 1) << round;
     }
+}
+
+TEST_F(Threads, NeverReadAnotherNameByATokenThatIsCancelled) {
+    const auto tokenFor = [](const char* name) {
+        int token = NOTIFY_TOKEN_INVALID;
+        notify_register_check(name, &token);
+        return token;
+    };
+    notify_set_state(tokenFor("a.name"), 1);
+    notify_set_state(tokenFor("another.name"), 2);
+    std::atomic<int> shared = tokenFor("a.name");
+    std::atomic<bool> isOver = false;
+    std::atomic<int> wrong = 0;
+    run([&](int thread) {
+        for (int i = 0; thread == 0 && i < 5000; ++i) {
+            notify_cancel(shared.exchange(tokenFor("a.name")));
+            notify_cancel(tokenFor("another.name"));
+            // Some are kept, so that the tokens need ever more room.
+            if (i % 50 == 0) tokenFor("another.name");
+        }
+        if (thread == 0) isOver = true;
+        while (!isOver) {
+            std::uint64_t word = 1;
+            notify_get_state(shared, &word);
+            wrong += word != 1;
+        }
+    });
+    EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(Threads, AddObserversWhileTheMainOneDeliversToThem) {
