@@ -10,11 +10,7 @@
 
 namespace quillet::standin {
 
-namespace {
-
-Device* currentDevice = nullptr;
-
-}  // namespace
+Device* Device::current_ = nullptr;
 
 Device::Device(const DeviceOptions& options)
     : Device{options, makeNewPhone(options.root, options.newFiles,
@@ -37,12 +33,12 @@ Device::Device(const DeviceOptions& options, const FoundPhone& phone)
     beLike(options);
     mend();
     if (journal.isKept()) tellStart();
-    currentDevice = this;
+    current_ = this;
 }
 
 Device::~Device() {
     journal.add("ended");
-    currentDevice = nullptr;
+    current_ = nullptr;
 }
 
 void Device::beLike(const DeviceOptions& options) {
@@ -65,12 +61,9 @@ void Device::mend() {
     hardware.makeAgain(word != nullptr && word->state.load() != 1);
 }
 
-Device& Device::current() {
-    if (currentDevice == nullptr) {
-        std::fputs("the platform was called without a device\n", stderr);
-        std::abort();
-    }
-    return *currentDevice;
+void Device::endWithoutOne() {
+    std::fputs("the platform was called without a device\n", stderr);
+    std::abort();
 }
 
 }  // namespace quillet::standin

@@ -58,7 +58,10 @@ public:
     /// The device of this process, owned by whoever made it. Ends the process with a message when
     /// there is none. For the faces of the platform alone: whatever stands below them is handed
     /// what it uses.
-    static Device& current();
+    static Device& current() {
+        if (current_ == nullptr) endWithoutOne();
+        return *current_;
+    }
 
     std::filesystem::path below(std::string_view devicePath) const {
         return root.below(devicePath);
@@ -90,10 +93,13 @@ public:
     SwitchFramework framework;
 
 private:
+    [[noreturn]] static void endWithoutOne();
     Device(const DeviceOptions& options, const FoundPhone& phone);
     void beLike(const DeviceOptions& options);
     void mend();
     void tellStart();
+
+    static Device* current_;
 };
 
 }  // namespace quillet::standin

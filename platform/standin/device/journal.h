@@ -64,13 +64,17 @@ public:
     /// Adds a line with what is told of the event, in that order; nothing when no journal is kept.
     template <class... Tellings>
     void add(std::string_view event, const Tellings&... tellings) {
-        if (!isKept()) return;
+        if (isKept()) tell(event, tellings...);
+    }
+
+private:
+    /// Not a part of its callers: who tells nothing pays nothing for it.
+    template <class... Tellings>
+    [[gnu::noinline]] void tell(std::string_view event, const Tellings&... tellings) {
         JournalLine line = begin(event);
         (line.add(tellings.key, tellings.value), ...);
         append(line.end());
     }
-
-private:
     JournalLine begin(std::string_view event);
     void append(std::string_view line);
     /// False, and errno says why, when it cannot be written.
