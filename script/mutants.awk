@@ -128,7 +128,7 @@ function isStatement(n,   text) {
     if (lines[n] !~ /^ +[A-Za-z_+*(:~]/) return 0
     if (text ~ /^(const|constexpr|auto|static|using|extern|break|continue|struct|class|public|private|else|friend|template|typedef|case|default|enum|for|while|switch|do|try|catch|namespace|virtual|explicit)([ :(;]|$)/) return 0
     if (text ~ /^(if|return|throw)/) return text ~ /^(if .*|return|throw .*);$/
-    if (text ~ /^[A-Za-z_:<>,*& ]+[>*& ] *[A-Za-z_]+( =.*|\{.*\};|;|\(.*\) \{)$/) return 0
+    if (text ~ /^[A-Za-z0-9_:<>,*& ]+[>*& ] *[A-Za-z_]+( =.*|\{.*\};|;|\(.*\) \{)$/) return 0
     if (code[n - 1] !~ /([;{}:)]|else) *$/ && code[n - 1] != "" && lines[n - 1] !~ /^ *\/\//) return 0
     return text ~ /[;(,]$/ || text ~ /[(,].*$/
 }
