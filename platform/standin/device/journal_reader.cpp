@@ -110,7 +110,6 @@ bool JournalReader::openNext(std::vector<JournalEntry>& entries) {
         // Once more: what was added before the file was put away.
         if (file_) readFile(entries);
         file_.emplace(next.release());
-        rest_.clear();
         return true;
     }
     return false;
@@ -131,19 +130,19 @@ void JournalReader::readFile(std::vector<JournalEntry>& entries) {
     }
     rest_.erase(0, begin);
     // The last line is there as soon as it is whole: nothing follows it yet.
-    if (!parseJournalLine(rest_)) return;
-    take(rest_, entries);
-    rest_.clear();
+    if (take(rest_, entries)) rest_.clear();
 }
 
-void JournalReader::take(std::string_view line, std::vector<JournalEntry>& entries) {
+bool JournalReader::take(std::string_view line, std::vector<JournalEntry>& entries) {
     auto entry = parseJournalLine(line);
-    if (!entry) return;
-    const auto [last, isNew] = last_.try_emplace(entry->process, entry->number, entry->time);
+    if (!entry) return false;
     const std::pair own{entry->number, entry->time};
-    if (!isNew && last->second == own) return;
-    last->second = own;
-    entries.push_back(std::move(*entry));
+    const auto [last, isNew] = last_.try_emplace(entry->process, own);
+    if (isNew || last->second != own) {
+        last->second = own;
+        entries.push_back(std::move(*entry));
+    }
+    return true;
 }
 
 }  // namespace quillet::standin

@@ -48,7 +48,8 @@ public:
 private:
     /// Reads the open file to its end.
     void readFile(std::vector<JournalEntry>& entries);
-    void take(std::string_view line, std::vector<JournalEntry>& entries);
+    /// Whether it is a whole line; each line becomes an entry once.
+    bool take(std::string_view line, std::vector<JournalEntry>& entries);
     /// Reads the rest of the open file and opens the one that follows it. False when there is none.
     bool openNext(std::vector<JournalEntry>& entries);
 

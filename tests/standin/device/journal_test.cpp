@@ -5,8 +5,10 @@
 #include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -15,11 +17,13 @@
 #include <vector>
 
 #include "platform/standin/device/device.h"
+#include "platform/standin/device/journal_line.h"
 #include "platform/standin/device/journal_reader.h"
 #include "platform/standin/files/descriptor.h"
 #include "tests/support/child.h"
 #include "tests/support/no_room.h"
 #include "tests/support/program.h"
+#include "tests/support/supervisor.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
@@ -98,6 +102,14 @@ TEST_F(JournalFile, LeavesOutWhatDoesNotFitInALine) {
     EXPECT_EQ(entries()[0].details, (Details{{"before", "1"}, {"after", "2"}}));
 }
 
+TEST(LineOfAJournal, IsWithoutTheWordsThatDoNotFit) {
+    standin::JournalLine line;
+    line.add("first");
+    line.add(std::string(4000, 'x'));
+    line.add("last");
+    EXPECT_EQ(line.end(), "\nfirst last .");
+}
+
 TEST_F(JournalFile, PartOfALineIsNoneAndSwallowsNone) {
     Journal journal{{"program", ""}, path(), complaints_};
     journal.add("first");
@@ -117,7 +129,10 @@ TEST_F(JournalFile, IsNotKeptByThoseWhoDoNotAskForIt) {
     { const standin::Device device{{.root = root}}; }
     EXPECT_FALSE(fs::exists(root / "var/db/journal"));
     { const standin::Device device{{.root = root, .author = {"program", "command"}}}; }
-    EXPECT_THAT(JournalReader{root / "var/db/journal"}.read(), SizeIs(2)) << "started and ended";
+    const auto told = JournalReader{root / "var/db/journal"}.read();
+    ASSERT_THAT(told, SizeIs(2));
+    EXPECT_EQ(told[0].event, "started");
+    EXPECT_EQ(told[1].event, "ended");
 }
 
 TEST_F(JournalFile, OfSeveralProcessesHasEachLineOnceAndStaysSmall) {
@@ -177,6 +192,44 @@ TEST_F(JournalFile, IsFollowedFromOneFileToTheNext) {
     EXPECT_TRUE(fs::exists(Journal::older(path())));
 }
 
+TEST_F(JournalFile, IsReadAsItIsWrittenByteByByte) {
+    const std::string text = "12 34 56 program first key=value .\n78 34 57 program second .";
+    JournalReader reader{path()};
+    std::vector<JournalEntry> told;
+    for (std::size_t size = 0; size <= text.size(); ++size) {
+        writeText(path(), text.substr(0, size));
+        for (JournalEntry& entry : reader.read()) told.push_back(std::move(entry));
+    }
+    EXPECT_THAT(told, ElementsAre(JournalEntry{12, 34, 56, "program", "first", {{"key", "value"}}},
+                                  JournalEntry{78, 34, 57, "program", "second"}));
+}
+
+TEST_F(JournalFile, IsReadToItsEndThoughItIsPutAwayMeanwhile) {
+    const std::string lines[] = {"\n1 2 0 program event .", "\n1 2 1 program event .",
+                                 "\n1 2 2 program event ."};
+    writeText(path(), lines[0]);
+    JournalReader reader{path()};
+    ASSERT_THAT(reader.read(), SizeIs(1));
+    const auto read = [&] { return static_cast<int>(reader.read().size()); };
+    const auto putAway = [&](const SupervisedCall&) {
+        if (!fs::exists(Journal::older(path()))) {
+            writeText(path(), lines[0] + lines[1]);
+            fs::rename(path(), Journal::older(path()));
+            writeText(path(), lines[2]);
+        }
+        return Verdict{};
+    };
+    EXPECT_EQ(supervise({SYS_openat}, read, putAway), 2);
+}
+
+TEST_F(JournalFile, ThatCannotBeReadHasNoLines) {
+    writeLines(path(), 1);
+    const auto read = [this] { return static_cast<int>(entries().size()); };
+    const auto fail = [](const SupervisedCall&) { return Verdict{Verdict::Kind::fails, EIO}; };
+    EXPECT_EQ(supervise({SYS_read}, read, fail), 0);
+    EXPECT_THAT(entries(), SizeIs(1));
+}
+
 TEST_F(JournalFile, GrowsNotForEverWhileSomebodyStandsStillInPuttingItAway) {
     writeLines(path(), 1);
     const standin::Descriptor file{::open(path().c_str(), O_RDWR)};
@@ -218,7 +271,7 @@ TEST_F(JournalFile, ThatIsNoFileIsComplainedOfThoughSomebodyReadsIt) {
 }
 
 TEST_F(JournalFile, OfWhichLinesHaveAnotherFormIsReadWithoutThem) {
-    const std::string sound = "1 2 3 program event key=a%3db%";
+    const std::string sound = "1 2 3 program event key=a%3db% other=%4";
     std::string text;
     for (const char* const line :
          {"", " .", "1 2 3 program .", "x 2 3 program event .", "1 2x 3 program event .",
@@ -228,7 +281,7 @@ TEST_F(JournalFile, OfWhichLinesHaveAnotherFormIsReadWithoutThem) {
     writeText(path(), text + sound + " .\n");
     const auto told = entries();
     ASSERT_THAT(told, SizeIs(1));
-    EXPECT_EQ(told[0].details, (Details{{"key", "a=b%"}}));
+    EXPECT_EQ(told[0].details, (Details{{"key", "a=b%"}, {"other", "%4"}}));
 }
 
 TEST_F(JournalFile, OfADeviceThatIsGoneIsNotMadeAgain) {
