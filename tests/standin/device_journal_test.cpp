@@ -9,6 +9,7 @@
 
 #include "platform/audio_toolbox.h"
 #include "platform/celestial.h"
+#include "platform/flipswitch.h"
 #include "platform/notify.h"
 #include "platform/property_list.h"
 #include "platform/springboard_classes.h"
@@ -16,7 +17,9 @@
 #include "platform/standin/device/journal_reader.h"
 #include "platform/standin/device/vibration_settings.h"
 #include "platform/standin/runtime/dictionary_file.h"
+#include "tests/support/names.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/under_test.h"
 
 namespace quillet::test {
 namespace {
@@ -66,6 +69,13 @@ TEST_F(DeviceJournal, TellsWhatIsSetPostedShownHeardAndFelt) {
     EXPECT_THAT(told(), ElementsAre("word-set name=a name word=7", "posted name=a name",
                                     "indicator state=1", "muted muted=1",
                                     "volume category=Ringtone volume=0.25", "buzz sound=4095"));
+}
+
+TEST_F(DeviceJournal, TellsWhenTheSwitchAsksForARefresh) {
+    device().framework.load(bundleUnderTest());
+    FSSwitchPanel::sharedPanel().stateDidChangeForSwitchIdentifier("no.such.switch");
+    FSSwitchPanel::sharedPanel().stateDidChangeForSwitchIdentifier(switchIdentifier);
+    EXPECT_THAT(told(), ElementsAre("refresh-asked", "refresh-asked", "refreshed state=1"));
 }
 
 TEST_F(DeviceJournal, TellsNothingOfWhatDidNotComeAbout) {

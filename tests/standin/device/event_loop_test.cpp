@@ -3,12 +3,16 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <limits>
 #include <string>
 #include <vector>
 
 #include "platform/notify.h"
 #include "tests/standin/on_a_device.h"
 #include "tests/support/real_time.h"
+#include "tests/support/supervisor.h"
+#include "tests/support/traced.h"
 
 namespace quillet::test {
 namespace {
@@ -183,6 +187,13 @@ TEST_F(Loop, AnInnerWaitRunsWhatWasDueWithTheWorkThatWaits) {
     loop().runUntil(1);
     EXPECT_THAT(notes(), ElementsAre("due too", "inner ends"));
     EXPECT_THAT(times(), ElementsAre(0.1, 0.6));
+}
+
+TEST_F(Loop, AWaitWithoutLimitLooksForTheTableEverySixteenthTime) {
+    for (int time = 1; time <= 64; ++time) loop().at(time, [] {});
+    const auto calls =
+        systemCallsOf([this] { loop().runUntil(std::numeric_limits<double>::infinity()); });
+    EXPECT_EQ(std::ranges::count_if(calls, isStat), 2 * 4) << "of its file, and of its place";
 }
 
 TEST_F(Loop, VirtualTimeTakesNoRealTime) {

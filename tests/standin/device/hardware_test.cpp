@@ -250,6 +250,20 @@ TEST_F(LostHardwareFile, IsMadeAgainWithTheMuteThatTheStateTells) {
     EXPECT_EQ(Hardware{file()}.volume("Ringtone"), 0.75F);
 }
 
+TEST_F(LostHardwareFile, ThatSomebodyElseMakesAgainMeanwhileIsTaken) {
+    const auto begin = [this] {
+        EXPECT_FALSE(standin::Device{{.root = root()}}.hardware.isRingerMuted());
+        return 0;
+    };
+    setWord(0);
+    supervise({SYS_flock}, begin, [this](const SupervisedCall&) {
+        if (!fs::exists(file())) {
+            standin::writeFileAtomically(file(), standin::writePropertyList(Hardware::newState()));
+        }
+        return Verdict{};
+    });
+}
+
 TEST_F(LostHardwareFile, IsComplainedOfOnceForAll) {
     EXPECT_THAT(complaints(), ElementsAre(file().string() + ": was missing; made again, with the "
                                                             "volume of a new device"));
