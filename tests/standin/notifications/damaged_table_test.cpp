@@ -126,6 +126,17 @@ private:
 
 TEST_F(DamagedTable, ASoundOneServes) { expectServes(sound(), "sound"); }
 
+TEST_F(DamagedTable, ASoundOneIsToTheByteWhatDevicesHoldAlready) {
+    std::string header = "Quillet notifications, form 3";
+    header.resize(entrySize);
+    EXPECT_EQ(sound().substr(0, entrySize), header);
+    std::string entry(entrySize, '\0');
+    entry.replace(sealAt, 4, "\xE5\x2D\x0C\xE7");  // FNV-1a of "b"
+    entry[lengthAt] = 1;
+    entry[nameAt] = 'b';
+    EXPECT_EQ(sound().substr(2 * entrySize, entrySize), entry);
+}
+
 TEST_F(DamagedTable, AnyByteOfTheMarkWithAnyOtherValueIsRefused) {
     expectAnyOtherByteRefused(0, bellAt);
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cstddef>
@@ -16,6 +17,7 @@
 #include "tests/support/descriptors.h"
 #include "tests/support/no_room.h"
 #include "tests/support/program.h"
+#include "tests/support/supervisor.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/traced.h"
 
@@ -112,6 +114,28 @@ TEST_F(Table, IsGrownByOneAndReadByAnotherThatMappedItBefore) {
     names.expectIn(reader);
 }
 
+TEST_F(Table, IsInPlaceNoMoreWithoutWhatItGrewBy) {
+    NotificationTable table = newTable();
+    const auto size = fs::file_size(path());
+    for (int i = 0; i < 100; ++i) ASSERT_NE(table.findOrAdd(std::to_string(i)), nullptr);
+    ASSERT_GT(fs::file_size(path()), size);
+    fs::resize_file(path(), size);
+    EXPECT_FALSE(table.isInPlace());
+}
+
+TEST_F(Table, ThatGrowsWhileItIsLookedAtIsSound) {
+    newTable();
+    Traced opening = traced([this] { const NotificationTable table{path()}; });
+    while (opening.nextCall() && opening.call() != SYS_mmap) {
+    }
+    while (opening.nextCall() && !isStat(static_cast<int>(opening.call()))) {
+    }
+    opening.next();
+    NotificationTable other{path()};
+    for (int i = 0; i < 100; ++i) ASSERT_NE(other.findOrAdd(std::to_string(i)), nullptr);
+    EXPECT_EQ(opening.end(), 0) << "it knows the size from before";
+}
+
 TEST_F(Table, TakesAsManyNamesAsItSaysAndNoMore) {
     const Numbered names{NotificationTable::maxNames};
     const NotificationTable::Words allButOne{names.words().begin(), names.words().end() - 1};
@@ -185,6 +209,7 @@ TEST_F(Table, ANameThatIsTooLongIsNotCutButRefused) {
     EXPECT_EQ(table.findOrAdd(longest + "n"), nullptr);
     EXPECT_EQ(table.find(longest), nullptr);
     EXPECT_NE(table.findOrAdd(longest), nullptr);
+    EXPECT_NE(NotificationTable{path()}.find(longest), nullptr);
 }
 
 TEST_F(Table, AnEmptyNameIsRefused) {
