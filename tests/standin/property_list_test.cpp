@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <sys/syscall.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -74,6 +75,19 @@ TEST_F(DictionaryFile, ThatIsMissingBrokenOrSomethingElseGivesNil) {
     std::filesystem::remove(device().below(path));
     std::filesystem::create_directory(device().below(path));
     expectNoDictionary();
+}
+
+TEST_F(DictionaryFile, ThatCannotBeReadIsTriedOnceMore) {
+    write(Dictionary{});
+    int reads = 0;
+    const auto read = [this] { return standin::readDictionary(device().below(path)) ? 1 : 0; };
+    EXPECT_EQ(supervise({SYS_read}, read,
+                        [&](const SupervisedCall&) {
+                            ++reads;
+                            return Verdict{Verdict::Kind::fails, EIO};
+                        }),
+              0);
+    EXPECT_EQ(reads, 2);
 }
 
 TEST_F(DictionaryFile, ThatIsTooLargeIsNotReadAtAll) {

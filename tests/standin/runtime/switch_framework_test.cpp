@@ -154,13 +154,17 @@ TEST_F(FrameworkLoader, ThePrincipalClassMustBeOneOfTheModules) {
 
 TEST_F(FrameworkLoader, NothingStaysOfABundleThatCouldNotBeLoaded) {
     copyBundle("NSPrincipalClass", std::string{"OtherSwitch"});
+    int calls = 0;
+    device().observers.add("a.name", [&] { ++calls; });
     const int instances = standin::Instance::live();
     expectRefused(bundle(), "the bundle has no principal class \"OtherSwitch\"");
     EXPECT_EQ(standin::Instance::live(), instances);
-    EXPECT_EQ(device().observers.count(), 0U) << "its callback lies in a module that is gone";
+    EXPECT_EQ(device().observers.count(), 1U) << "its callback lies in a module that is gone";
     EXPECT_EQ(framework().symbol("isiPod"), nullptr);
     notify_post("com.apple.springboard.ringerstate");
+    notify_post("a.name");
     device().eventLoop.turn();
+    EXPECT_EQ(calls, 1) << "the host's own observer stays";
     EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
 }
 
@@ -184,6 +188,13 @@ TEST_F(FrameworkLoader, AfterAFailureTheSameSwitchCanBeLoaded) {
     expectNoModule();
     EXPECT_EQ(framework().load(bundleUnderTest()), switchIdentifier);
     EXPECT_EQ(framework().bundle(switchIdentifier)->path(), bundleUnderTest());
+}
+
+TEST_F(FrameworkLoader, AfterAFailureClassesAreTheHostsAgain) {
+    copyBundle("NSPrincipalClass", std::string{"OtherSwitch"});
+    expectRefused(bundle(), "the bundle has no principal class \"OtherSwitch\"");
+    const standin::ModuleClass& own = framework().add({"HostsOwn", [] {}, nullptr});
+    EXPECT_EQ(own.bundle.info("CFBundleIdentifier"), "com.apple.springboard");
 }
 
 TEST_F(FrameworkLoader, AClassBelongsToTheBundleThatDefinesIt) {
