@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "platform/standin/device/process_birth.h"
 
-#include <algorithm>
 #include <sstream>
 
 #include "platform/standin/files/file.h"
@@ -13,7 +12,7 @@ std::string birthOf(pid_t process) {
     if (!status) return {};
     // The name, in parentheses, may hold anything. Of the fields behind it the twentieth is meant.
     constexpr int place = 20;
-    std::istringstream fields{status->substr(std::min(status->rfind(')') + 1, status->size()))};
+    std::istringstream fields{status->substr(status->rfind(')') + 1)};
     std::string field;
     for (int i = 0; i < place; ++i) fields >> field;
     return fields ? field : std::string{};
