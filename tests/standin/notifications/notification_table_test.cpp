@@ -234,9 +234,30 @@ TEST_F(Table, TwoMappingsAreOneTable) {
     EXPECT_EQ(first.find("a.name")->posts.load(), 1U);
 }
 
+TEST_F(Table, IsClosedToOthersFromItsFirstMomentOn) {
+    const mode_t before = umask(0);
+    const auto create = [this] {
+        NotificationTable::create(path());
+        return 0;
+    };
+    supervise(callsThatChange(), create, [this](const SupervisedCall&) {
+        for (const auto& file : fs::directory_iterator{folder()}) {
+            EXPECT_EQ(file.status().permissions(), fs::perms{0600}) << file.path();
+        }
+        return Verdict{};
+    });
+    umask(before);
+    EXPECT_TRUE(fs::exists(path()));
+}
+
 TEST_F(Table, IsNotCreatedOverAFileThatIsThere) {
     newTable().findOrAdd("a.name")->state = 7;
-    EXPECT_THROW(NotificationTable::create(path()), std::system_error);
+    try {
+        NotificationTable::create(path());
+        ADD_FAILURE() << "it is there";
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code(), std::errc::file_exists);
+    }
     EXPECT_EQ(NotificationTable{path()}.find("a.name")->state.load(), 7U);
 }
 
