@@ -11,6 +11,7 @@
 #include <iterator>
 #include <set>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "platform/standin/device/device.h"
@@ -166,6 +167,24 @@ TEST_F(NewPhoneCalls, BeforeAnyOfWhichSomebodyTidiesUpLeaveADeviceAllTheSame) {
         expectDevice();
     }
     EXPECT_GT(place, 40) << "four files, and the folders above them";
+}
+
+TEST_F(NewPhoneCalls, ThatFailToLookIntoAFolderSayWhichAndWhy) {
+    fs::create_directory(root());
+    std::string message;
+    const auto makeThere = [&] {
+        try {
+            standin::makeNewPhone(root(), {});
+        } catch (const std::runtime_error& error) {
+            message = error.what();
+        }
+        return 0;
+    };
+    supervise({SYS_openat}, makeThere, [this](const SupervisedCall& call) {
+        const bool isLook = call.paths().front() == root();
+        return isLook ? Verdict{Verdict::Kind::fails, EACCES} : Verdict{};
+    });
+    EXPECT_EQ(message, root().string() + ": cannot be looked at: Permission denied");
 }
 
 TEST_F(NewPhoneCalls, LeaveFoldersOfTheUsersAlone) {

@@ -238,19 +238,6 @@ TEST_F(NewPhone, AnEmptyMountPointIsNoRootAndSaysSo) {
     EXPECT_TRUE(fs::is_empty(path()));
 }
 
-TEST_F(NewPhone, AFolderThatCannotBeLookedAtIsNoRootAndSaysSo) {
-    fs::create_directory(path());
-    const auto make = [this] {
-        EXPECT_EQ(messageOf([this] { deviceAt(path()); }),
-                  path().string() + ": cannot be looked at: Permission denied");
-        return 0;
-    };
-    supervise({SYS_openat}, make, [this](const SupervisedCall& call) {
-        const bool isLook = call.paths().front() == path();
-        return isLook ? Verdict{Verdict::Kind::fails, EACCES} : Verdict{};
-    });
-}
-
 TEST_F(NewPhone, IsWhatAnErasedDeviceBecomesWithItsModel) {
     write(deviceAt(path()).below("/var/mobile/letter.txt"), "a file of the user's");
     fs::remove(path() / "var/run/notifications");
