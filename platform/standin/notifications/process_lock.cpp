@@ -5,17 +5,9 @@
 
 namespace quillet::standin {
 
-namespace {
+std::mutex ProcessLock::guard_;
 
-std::mutex guard;
-
-void lock() { guard.lock(); }
-void unlock() { guard.unlock(); }
-
-[[maybe_unused]] const int forksWhole = pthread_atfork(lock, unlock, unlock);
-
-}  // namespace
-
-ProcessLock::ProcessLock() : lock_{guard} {}
+const int ProcessLock::forksWhole_ =
+    pthread_atfork([] { guard_.lock(); }, [] { guard_.unlock(); }, [] { guard_.unlock(); });
 
 }  // namespace quillet::standin

@@ -10,9 +10,12 @@ namespace quillet::standin {
 /// no other thread is: its child finds all of it whole, and free. See pthread_atfork(3).
 class ProcessLock {
 public:
-    ProcessLock();
+    ProcessLock() : lock_{guard_} {}
 
 private:
+    static std::mutex guard_;
+    static const int forksWhole_;
+
     std::lock_guard<std::mutex> lock_;
 };
 
