@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/standin/plist/large_pages.h"
 #include "platform/standin/plist/plain_text.h"
 #include "platform/standin/plist/property_list.h"
 #include "platform/standin/plist/stored_object.h"
@@ -67,11 +68,15 @@ public:
           referenceAt_{trailer.referenceSize},
           offsetAt_{trailer.offsetSize},
           budget_{budgetFor(file_.size(), trailer.objects)},
-          texts_(trailer.objects),
-          builder_{tape_->nodes, Counts::first} {}
+          builder_{tape_->nodes, Counts::first} {
+        texts_.reserve(trailer.objects);
+        preferLargePages(texts_.data(), texts_.capacity() * sizeof(Node));
+        texts_.resize(trailer.objects);
+    }
 
     std::optional<Value> read() {
         tape_->nodes.reserve(trailer_.objects + trailer_.objects / 4);
+        preferLargePages(tape_->nodes.data(), tape_->nodes.capacity() * sizeof(Node));
         if (!add(trailer_.top)) return std::nullopt;
         while (!open_.empty()) {
             if (!step()) return std::nullopt;

@@ -11,6 +11,7 @@
 #include "platform/standin/plist/base64.h"
 #include "platform/standin/plist/calendar.h"
 #include "platform/standin/plist/decimal.h"
+#include "platform/standin/plist/large_pages.h"
 #include "platform/standin/plist/property_list.h"
 #include "platform/standin/plist/tape_builder.h"
 #include "platform/standin/plist/text_encoding.h"
@@ -172,6 +173,7 @@ public:
         // A value seldom takes less: room for as many as there may well be, used as it is needed.
         constexpr std::size_t usualSize = 24;
         tape_->nodes.reserve(tape_->file().size() / usualSize + 1);
+        preferLargePages(tape_->nodes.data(), tape_->nodes.capacity() * sizeof(Node));
         while (!builder_.isComplete()) {
             if (!take(scanner_.next())) return std::nullopt;
         }

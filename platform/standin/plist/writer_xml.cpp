@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/standin/plist/large_pages.h"
 #include "platform/standin/plist/plain_text.h"
 #include "platform/standin/plist/xml_prolog.h"
 #include "platform/standin/plist/xml_sinks.h"
@@ -211,7 +212,10 @@ std::optional<std::string> writeXML(const Node& root, std::size_t limit) {
     std::size_t size = sizeOf<Measure>(root, limit);
     if (size > limit) size = sizeOf<ExactMeasure>(root, limit);
     if (size > limit) return std::nullopt;
-    std::string text(size + tabs.size(), '\0');
+    std::string text;
+    text.reserve(size + tabs.size());
+    preferLargePages(text.data(), text.capacity());
+    text.resize(size + tabs.size());
     Pen pen{text.data()};
     Writer{pen}.write(root);
     text.resize(static_cast<std::size_t>(pen.next() - text.data()));
