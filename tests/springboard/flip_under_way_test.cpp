@@ -189,7 +189,10 @@ TEST_F(FlipUnderWay, EndsWhenItsReaderGoesAway) {
         statuses.push_back(*status);
     }
     EXPECT_EQ(statuses.front(), 1);
-    EXPECT_EQ(statuses.back(), 0) << "all was read";
+    // The last of fewer places may lie before the last line.
+    if (stride == 1) {
+        EXPECT_EQ(statuses.back(), 0) << "all was read";
+    }
     EXPECT_THAT(statuses, Each(AnyOf(0, 1)));
 }
 
