@@ -14,6 +14,8 @@
 #include "platform/property_list.h"
 #include "platform/run_loop.h"
 #include "platform/springboard_classes.h"
+#include "platform/standin/files/file.h"
+#include "platform/standin/plist/property_list.h"
 #include "platform/standin/plist/value.h"
 #include "tests/standin/on_a_device.h"
 #include "tests/support/phone.h"
@@ -213,6 +215,22 @@ TEST_F(Readings, AStringOfOneCharacterIsATrueFlagForThirteenOfThem) {
         const std::string text(1, static_cast<char>(character));
         const bool isTrue = flags.find(text) != flags.npos;
         EXPECT_EQ(objectOf(text).boolValue(), isTrue ? YES : NO) << character;
+    }
+}
+
+TEST_F(Readings, OtherKindsOfAFileAreNamedWithItAndTheirKeys) {
+    const std::pair<Value, const char*> rows[] = {
+        {standin::Array{}, "an array"},     {standin::Data{"1"}, "data"},
+        {standin::Date{1}, "a date"},       {standin::Dictionary{}, "a dictionary"},
+        {standin::UID{1}, "an identifier"},
+    };
+    for (const auto& [value, kind] : rows) {
+        standin::writeFileAtomically(
+            device().below("/file.plist"),
+            standin::writePropertyList(standin::Dictionary{{"a key", value}}));
+        const auto file = NSDictionary::dictionaryWithContentsOfFile("/file.plist");
+        EXPECT_EXIT(file.objectForKey("a key").boolValue(), ExitedWithCode(1),
+                    std::string{": /file.plist: \"a key\" is "} + kind + ": <");
     }
 }
 

@@ -2,7 +2,9 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include "platform/audio_toolbox.h"
 #include "tests/standin/on_a_device.h"
@@ -13,6 +15,7 @@ extern "C" {
 void* __wrap_dlopen(const char* path, int mode);
 void* __wrap_dlsym(void* handle, const char* symbol);
 int __wrap_dlclose(void* handle);
+int __wrap_uname(void* fields);
 }
 
 namespace quillet::test {
@@ -57,6 +60,15 @@ TEST_F(System, UnameTellsTheDevicesModelAndNotThisMachines) {
     EXPECT_EQ(isiPod("iPhone6,1"), NO);
     EXPECT_THAT(phone().calls(),
                 ElementsAre(R"(uname("iPhone6,1") = 0)", R"(strstr("iPhone6,1", "iPod") = false)"));
+}
+
+TEST_F(System, UnameFillsEveryField) {
+    // The device's are larger than Linux's.
+    char fields[5][256];
+    EXPECT_EQ(__wrap_uname(fields), 0);
+    const std::vector<std::string> texts(std::begin(fields), std::end(fields));
+    EXPECT_THAT(texts, ElementsAre("Darwin", "Device", "14.0.0", "Darwin Kernel Version 14.0.0",
+                                   "iPhone6,1"));
 }
 
 TEST_F(System, ModelsAreSearchedForThePartExactly) {

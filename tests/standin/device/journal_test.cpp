@@ -19,6 +19,7 @@
 #include "platform/standin/device/device.h"
 #include "platform/standin/device/journal_line.h"
 #include "platform/standin/device/journal_reader.h"
+#include "platform/standin/device/process_birth.h"
 #include "platform/standin/files/descriptor.h"
 #include "tests/support/child.h"
 #include "tests/support/no_room.h"
@@ -124,6 +125,17 @@ TEST_F(JournalFile, PartOfALineIsNoneAndSwallowsNone) {
     }
 }
 
+TEST_F(JournalFile, ThatTakesNothingOfALineHasNoRoom) {
+    const auto add = [this] {
+        std::string said;
+        Complaints complaints{[&](const std::string& complaint) { said = complaint; }};
+        Journal{{"program", ""}, path(), complaints}.add("event");
+        return said.ends_with("No space left on device") ? 1 : 0;
+    };
+    const auto takeNothing = [](const SupervisedCall&) { return Verdict{Verdict::Kind::fails, 0}; };
+    EXPECT_EQ(supervise({SYS_write}, add, takeNothing), 1);
+}
+
 TEST_F(JournalFile, IsNotKeptByThoseWhoDoNotAskForIt) {
     const fs::path root = path().parent_path() / "root";
     { const standin::Device device{{.root = root}}; }
@@ -132,6 +144,10 @@ TEST_F(JournalFile, IsNotKeptByThoseWhoDoNotAskForIt) {
     const auto told = JournalReader{root / "var/db/journal"}.read();
     ASSERT_THAT(told, SizeIs(2));
     EXPECT_EQ(told[0].event, "started");
+    EXPECT_EQ(told[0].details, (Details{{"command", "command"},
+                                        {"model", "iPhone6,1"},
+                                        {"host", "indicator=class,media=instance"},
+                                        {"birth", standin::birthOf(getpid())}}));
     EXPECT_EQ(told[1].event, "ended");
 }
 

@@ -239,5 +239,10 @@ TEST_F(FileCalls, ThatFindNothingMakeAFileAbsent) {
     }
 }
 
+TEST_F(FileCalls, AWriteThatTakesNothingIsNotRepeated) {
+    EXPECT_FALSE(replaceUnder(failing(SYS_write, 0)));
+    EXPECT_EQ(readFile(path()), oldBytes);
+}
+
 }  // namespace
 }  // namespace quillet::test

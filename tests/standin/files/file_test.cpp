@@ -107,6 +107,12 @@ TEST_F(File, AFileOfTheSystemWithoutASizeOfItsOwnIsRead) {
     EXPECT_TRUE(bytes->starts_with("Name:"));
 }
 
+TEST_F(File, ThatCannotBeReadHasAReason) {
+    EXPECT_EQ(faultOf(path("file"), "malformed"), "No such file or directory");
+    EXPECT_EQ(faultOf(path(""), "malformed"), "not a file");
+    EXPECT_EQ(faultOf(fileWith("a"), "malformed"), "malformed");
+}
+
 TEST_F(File, WritesANewFile) {
     EXPECT_TRUE(writeFileAtomically(path("new"), "bytes"));
     EXPECT_EQ(readFile(path("new")), "bytes");

@@ -73,6 +73,16 @@ TEST_F(MappedFile, ThatIsCutOffBecomesZerosAndItsMappingSaysSo) {
     EXPECT_TRUE(other.isLost());
 }
 
+TEST_F(MappedFile, ThatIsCutOffIsNoticedHoweverManyMappingsThereWere) {
+    for (int i = 0; i < 100; ++i) {
+        const Mapping gone{file(), size, path()};
+    }
+    const Mapping mapping{file(), size, path()};
+    resize(0);
+    bytesOf(mapping)[1] = 7;
+    EXPECT_TRUE(mapping.isLost());
+}
+
 TEST_F(MappedFile, FaultsElsewhereEndTheProcess) {
     Child child{[&] {
         const Mapping mapping{file(), size, path()};

@@ -134,14 +134,15 @@ TEST_F(ReplacedFile, ThatIsNewHasTheModeThatTheProcessGivesToFiles) {
 TEST_F(ReplacedFile, InAFolderWithDraftsOfTheDeadAndFilesOfOthersCleansUpAfterTheDeadAlone) {
     writeText(path(".quillet-draft-1-2"), "half");
     writeText(folderWith(".quillet-draft-1-3") / "file", "half");
-    for (const char* const name : {".quillet-draft-", ".quillet-draft-1-2.plist",
-                                   ".quillet-draft-1-2~", "quillet-draft-1-2"}) {
+    for (const char* const name :
+         {".quillet-draft-", ".quillet-draft-123", ".quillet-draft-1-2.plist",
+          ".quillet-draft-1-2~", "quillet-draft-1-2"}) {
         writeText(path(name), "the user's");
     }
     EXPECT_TRUE(writeFileAtomically(path("file"), "new"));
     EXPECT_FALSE(fs::exists(path(".quillet-draft-1-2")));
     EXPECT_FALSE(fs::exists(path(".quillet-draft-1-3")));
-    EXPECT_EQ(entries(), 5);
+    EXPECT_EQ(entries(), 6);
 }
 
 TEST_F(ReplacedFile, ByManyProcessesAtOnceIsAlwaysReplaced) {

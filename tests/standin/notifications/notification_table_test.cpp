@@ -59,6 +59,16 @@ TEST_F(Table, AnAddedNameIsFoundWhereItStaysAndBeginsAtZero) {
     EXPECT_EQ(table.findOrAdd("a.name"), entry);
 }
 
+TEST_F(Table, WhosePagesAreLostIsNotInPlaceThoughItsFileIsWholeAgain) {
+    NotificationTable table = newTable();
+    EXPECT_TRUE(table.isInPlace());
+    const auto size = fs::file_size(path());
+    fs::resize_file(path(), 0);
+    table.findOrAdd("a.name");
+    fs::resize_file(path(), size);
+    EXPECT_FALSE(table.isInPlace());
+}
+
 /// As many names as there are in such a list, each with its number for a word.
 class Numbered {
 public:
