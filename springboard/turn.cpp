@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/standin/files/same_file.h"
+
 namespace quillet {
 
 namespace {
@@ -29,8 +31,8 @@ bool wait(int file, const std::function<void()>& beforeWaiting) {
 bool isAt(const std::filesystem::path& path, int file) {
     struct stat own {};
     struct stat found {};
-    return fstat(file, &own) != 0 || (lstat(path.c_str(), &found) == 0 &&
-                                      own.st_dev == found.st_dev && own.st_ino == found.st_ino);
+    return fstat(file, &own) != 0 ||
+           (lstat(path.c_str(), &found) == 0 && standin::isSameFile(own, found));
 }
 
 /// The locked file at `path`; -1, and errno says why, when it cannot be had.

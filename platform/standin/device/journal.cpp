@@ -12,6 +12,7 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/standin/files/same_file.h"
 #include "platform/standin/notifications/process_lock.h"
 
 namespace quillet::standin {
@@ -95,7 +96,7 @@ bool Journal::isAtPath() const {
     struct stat own {};
     struct stat found {};
     return fstat(file_->number(), &own) == 0 && lstat(path_.c_str(), &found) == 0 &&
-           own.st_dev == found.st_dev && own.st_ino == found.st_ino;
+           isSameFile(own, found);
 }
 
 bool Journal::putAway() {

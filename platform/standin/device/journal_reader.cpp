@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/standin/device/journal.h"
+#include "platform/standin/files/same_file.h"
 
 namespace quillet::standin {
 
@@ -104,9 +105,7 @@ bool JournalReader::openNext(std::vector<JournalEntry>& entries) {
         if (path != path_ && !isOlderNext) continue;
         Descriptor next{openJournal(path)};
         const auto status = statusOf(next);
-        const bool isSame = file_ && status.st_ino == statusOf(*file_).st_ino &&
-                            status.st_dev == statusOf(*file_).st_dev;
-        if (isSame || !S_ISREG(status.st_mode)) continue;
+        if ((file_ && isSameFile(status, statusOf(*file_))) || !S_ISREG(status.st_mode)) continue;
         // Once more: what was added before the file was put away.
         if (file_) readFile(entries);
         file_.emplace(next.release());

@@ -14,6 +14,7 @@
 #include "platform/standin/files/draft.h"
 #include "platform/standin/files/file.h"
 #include "platform/standin/files/file_lock.h"
+#include "platform/standin/files/same_file.h"
 
 namespace quillet::standin {
 
@@ -50,10 +51,6 @@ struct stat statusOf(const Descriptor& file, const std::filesystem::path& path) 
 
 bool isPrivate(const struct stat& status) {
     return status.st_uid == geteuid() && (status.st_mode & 077) == 0;
-}
-
-bool isSame(const struct stat& one, const struct stat& other) {
-    return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
 /// The open file of a table. Nobody but its user could have opened it, or put it there.
@@ -190,7 +187,7 @@ bool NotificationTable::isInPlace() const {
     if (mapping_.isLost()) return false;
     if (fstat(file_.number(), &own) != 0) return true;
     if (lstat(path_.c_str(), &found) != 0) return errno != ENOENT && errno != ENOTDIR;
-    return isSame(own, found) && own.st_size >= extent_;
+    return isSameFile(own, found) && own.st_size >= extent_;
 }
 
 }  // namespace quillet::standin
