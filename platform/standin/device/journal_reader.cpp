@@ -34,8 +34,8 @@ std::vector<std::string_view> wordsOf(std::string_view line) {
 }
 
 template <class Number>
-bool readNumber(std::string_view word, Number& number) {
-    const auto [end, error] = std::from_chars(word.begin(), word.end(), number);
+bool readNumber(std::string_view word, Number& number, int base = 10) {
+    const auto [end, error] = std::from_chars(word.begin(), word.end(), number, base);
     return error == std::errc{} && end == word.end();
 }
 
@@ -43,8 +43,8 @@ std::string unescaped(std::string_view word) {
     std::string text;
     while (!word.empty()) {
         unsigned byte = 0;
-        const bool isEscape = word.size() > 2 && word[0] == '%' &&
-                              std::from_chars(&word[1], &word[1] + 2, byte, 16).ec == std::errc{};
+        const std::string_view digits = word.substr(1, 2);
+        const bool isEscape = word[0] == '%' && digits.size() == 2 && readNumber(digits, byte, 16);
         text += isEscape ? static_cast<char>(byte) : word[0];
         word.remove_prefix(isEscape ? 3 : 1);
     }
