@@ -22,6 +22,7 @@ namespace quillet::test {
 namespace {
 
 namespace fs = std::filesystem;
+using standin::Clock;
 using standin::DeviceRoot;
 using standin::Dictionary;
 using ::testing::AnyOf;
@@ -44,7 +45,7 @@ protected:
     using Work = std::function<void()>;
 
     /// A process that runs the command line, stopped before the command begins.
-    Traced springboard(Words words) const {
+    Traced springboard(Words words, Clock::Kind clock = Clock::Kind::virtualTime) const {
         words.insert(words.begin(), {"springboard", "--root", root(), "--bundle", QUILLET_BUNDLE});
         return Traced{[&]() -> int {
             takeSignals();
@@ -54,7 +55,7 @@ protected:
             std::vector<char*> line;
             for (std::string& word : words) line.push_back(word.data());
             Options options = parseOptions(static_cast<int>(line.size()), line.data());
-            options.clock = standin::Clock::Kind::virtualTime;
+            options.clock = clock;
             Traced::begin();
             options.run(options);
             // What has been made is left.
@@ -191,7 +192,7 @@ TEST_F(Interrupted, WhoeverWaitsLeavesThePhoneAsItIs) {
         interruptEverywhere(
             begin, End::never, [] {}, isAsBefore);
     };
-    interruptWaiting([&] { return springboard({"watch"}); });
+    interruptWaiting([&] { return springboard({"watch"}, Clock::Kind::real); });
     interruptWaiting([&] { return springboard({"log", "-f"}); });
     interruptWaiting([&] {
         return Traced{QUILLET_NOTIFYUTIL,

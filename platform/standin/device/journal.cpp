@@ -86,10 +86,13 @@ bool Journal::open() {
     return false;
 }
 
+bool Journal::goesOnIn(const struct stat& file) {
+    return file.st_nlink > 0 && static_cast<std::size_t>(file.st_size) <= bound;
+}
+
 bool Journal::isInPlace() const {
     struct stat status {};
-    return fstat(file_->number(), &status) != 0 ||
-           (status.st_nlink > 0 && static_cast<std::size_t>(status.st_size) <= bound);
+    return fstat(file_->number(), &status) != 0 || goesOnIn(status);
 }
 
 bool Journal::isAtPath() const {

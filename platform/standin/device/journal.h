@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <atomic>
@@ -34,9 +35,9 @@ Told(const char*, const Value&) -> Told<Value>;
 /// A line is written by one call, behind all others. A file that has grown to `bound` gets another
 /// name, in place of the one that had it, and a new one begins: what is kept is at least the last
 /// `bound` bytes. Nobody waits for anybody: the file grows on, to `utmost`, while the process that
-/// puts it away stands still. A process that
-/// dies may leave part of a line, which no reader takes for one. A line that went to a file which
-/// somebody else was putting away is written again, under the same number.
+/// puts it away stands still. A process that dies may leave part of a line, which no reader takes
+/// for one. A line that went to a file which somebody else was putting away is written again, under
+/// the same number.
 class Journal {
 public:
     static constexpr std::size_t bound = std::size_t{256} << 10U;
@@ -53,6 +54,10 @@ public:
 
     /// The older lines of the journal at `path`.
     static std::filesystem::path older(const std::filesystem::path& path);
+
+    /// Whether the next line is added to the file of that status: nobody has removed it, and it has
+    /// not grown so that it is put away.
+    static bool goesOnIn(const struct stat& file);
 
     /// `path` is made when the first line is written. `complaints`, which hears of lines that
     /// cannot be written, must outlive the journal.

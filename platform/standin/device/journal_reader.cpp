@@ -51,6 +51,7 @@ std::string unescaped(std::string_view word) {
     return text;
 }
 
+/// Zeros when there is none.
 struct stat statusOf(const Descriptor& file) {
     struct stat status {};
     fstat(file.number(), &status);
@@ -92,9 +93,16 @@ JournalReader::JournalReader(std::filesystem::path path) : path_{std::move(path)
 
 std::vector<JournalEntry> JournalReader::read() {
     std::vector<JournalEntry> entries;
+    if (isAtEnd()) return entries;
     if (file_) readFile(entries);
     while (openNext(entries)) readFile(entries);
     return entries;
+}
+
+bool JournalReader::isAtEnd() const {
+    if (!file_) return false;
+    const auto status = statusOf(*file_);
+    return status.st_size <= read_ && Journal::goesOnIn(status);
 }
 
 bool JournalReader::openNext(std::vector<JournalEntry>& entries) {
@@ -109,6 +117,7 @@ bool JournalReader::openNext(std::vector<JournalEntry>& entries) {
         // Once more: what was added before the file was put away.
         if (file_) readFile(entries);
         file_.emplace(next.release());
+        read_ = 0;
         return true;
     }
     return false;
@@ -121,6 +130,7 @@ void JournalReader::readFile(std::vector<JournalEntry>& entries) {
             uninterrupted([&] { return ::read(file_->number(), chunk.data(), chunk.size()); });
         if (size <= 0) break;
         rest_.append(chunk.data(), static_cast<std::size_t>(size));
+        read_ += size;
     }
     std::size_t begin = 0;
     for (std::size_t end = 0; (end = rest_.find('\n', begin)) != std::string::npos;) {

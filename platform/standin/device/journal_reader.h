@@ -46,6 +46,9 @@ public:
     std::vector<JournalEntry> read();
 
 private:
+    /// Whether nothing was added since the last call, for one call of the system's: somebody who
+    /// follows the journal looks many times a second, and nearly always in vain.
+    bool isAtEnd() const;
     /// Reads the open file to its end.
     void readFile(std::vector<JournalEntry>& entries);
     /// Whether it is a whole line; each line becomes an entry once.
@@ -55,6 +58,8 @@ private:
 
     std::filesystem::path path_;
     std::optional<Descriptor> file_;
+    /// How many bytes of it have been read.
+    off_t read_ = 0;
     bool hasBegun_ = false;
     /// What is not whole yet.
     std::string rest_;

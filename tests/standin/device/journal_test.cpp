@@ -8,24 +8,20 @@
 #include <sys/syscall.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
-#include <fstream>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/standin/device/device.h"
 #include "platform/standin/device/journal_line.h"
-#include "platform/standin/device/journal_reader.h"
 #include "platform/standin/device/process_birth.h"
 #include "platform/standin/files/descriptor.h"
+#include "tests/standin/device/journal_file.h"
 #include "tests/support/child.h"
 #include "tests/support/no_room.h"
 #include "tests/support/program.h"
 #include "tests/support/supervisor.h"
-#include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
 namespace {
@@ -41,35 +37,6 @@ using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
 using Details = std::vector<std::pair<std::string, std::string>>;
-
-class JournalFile : public testing::Test {
-protected:
-    fs::path path() const { return folder_.path() / "journal"; }
-    std::vector<JournalEntry> entries() const { return JournalReader{path()}.read(); }
-
-    /// Writes so many lines, about 100 bytes each, as a program of its own.
-    static void writeLines(const fs::path& path, int count) {
-        Complaints complaints;
-        Journal journal{{"writer", ""}, path, complaints};
-        const std::string filler(50, 'x');
-        for (int i = 0; i < count; ++i) journal.add("event", Told{"filler", filler});
-    }
-
-    /// Expects each process's lines to be there from some number on, without a gap and each once.
-    void expectNoGaps() const {
-        std::map<pid_t, std::uint64_t> next;
-        for (const JournalEntry& entry : entries()) {
-            const auto [known, isNew] = next.try_emplace(entry.process, entry.number);
-            ASSERT_EQ(entry.number, known->second) << "of process " << entry.process;
-            known->second = entry.number + 1;
-        }
-    }
-
-    Complaints complaints_;
-
-private:
-    TemporaryFolder folder_;
-};
 
 TEST_F(JournalFile, IsReadAsItWasTold) {
     Journal journal{{"a program", "flip off"}, path(), complaints_};
@@ -193,59 +160,6 @@ TEST_F(JournalFile, IsWholeWhateverWritersAreKilled) {
     EXPECT_EQ(entries().back().event, "last");
 }
 
-TEST_F(JournalFile, IsFollowedFromOneFileToTheNext) {
-    JournalReader reader{path()};
-    EXPECT_THAT(reader.read(), IsEmpty());
-    Journal journal{{"program", ""}, path(), complaints_};
-    const std::string filler(1000, 'x');
-    std::uint64_t next = 0;
-    for (int i = 0; i < 1000; ++i) {
-        journal.add("event", Told{"filler", filler});
-        if (i % 7 != 0) continue;
-        for (const JournalEntry& entry : reader.read()) ASSERT_EQ(entry.number, next++);
-    }
-    EXPECT_GT(next, 990U);
-    EXPECT_TRUE(fs::exists(Journal::older(path())));
-}
-
-TEST_F(JournalFile, IsReadAsItIsWrittenByteByByte) {
-    const std::string text = "12 34 56 program first key=value .\n78 34 57 program second .";
-    JournalReader reader{path()};
-    std::vector<JournalEntry> told;
-    for (std::size_t size = 0; size <= text.size(); ++size) {
-        writeText(path(), text.substr(0, size));
-        for (JournalEntry& entry : reader.read()) told.push_back(std::move(entry));
-    }
-    EXPECT_THAT(told, ElementsAre(JournalEntry{12, 34, 56, "program", "first", {{"key", "value"}}},
-                                  JournalEntry{78, 34, 57, "program", "second"}));
-}
-
-TEST_F(JournalFile, IsReadToItsEndThoughItIsPutAwayMeanwhile) {
-    const std::string lines[] = {"\n1 2 0 program event .", "\n1 2 1 program event .",
-                                 "\n1 2 2 program event ."};
-    writeText(path(), lines[0]);
-    JournalReader reader{path()};
-    ASSERT_THAT(reader.read(), SizeIs(1));
-    const auto read = [&] { return static_cast<int>(reader.read().size()); };
-    const auto putAway = [&](const SupervisedCall&) {
-        if (!fs::exists(Journal::older(path()))) {
-            writeText(path(), lines[0] + lines[1]);
-            fs::rename(path(), Journal::older(path()));
-            writeText(path(), lines[2]);
-        }
-        return Verdict{};
-    };
-    EXPECT_EQ(supervise({SYS_openat}, read, putAway), 2);
-}
-
-TEST_F(JournalFile, ThatCannotBeReadHasNoLines) {
-    writeLines(path(), 1);
-    const auto read = [this] { return static_cast<int>(entries().size()); };
-    const auto fail = [](const SupervisedCall&) { return Verdict{Verdict::Kind::fails, EIO}; };
-    EXPECT_EQ(supervise({SYS_read}, read, fail), 0);
-    EXPECT_THAT(entries(), SizeIs(1));
-}
-
 TEST_F(JournalFile, GrowsNotForEverWhileSomebodyStandsStillInPuttingItAway) {
     writeLines(path(), 1);
     const standin::Descriptor file{::open(path().c_str(), O_RDWR)};
@@ -284,20 +198,6 @@ TEST_F(JournalFile, ThatIsNoFileIsComplainedOfThoughSomebodyReadsIt) {
     journal.add("event");
     EXPECT_THAT(said, ElementsAre(path().string() + ": cannot be written: Invalid argument"));
     EXPECT_THAT(entries(), IsEmpty());
-}
-
-TEST_F(JournalFile, OfWhichLinesHaveAnotherFormIsReadWithoutThem) {
-    const std::string sound = "1 2 3 program event key=a%3db%4g% other=%4";
-    std::string text;
-    for (const char* const line :
-         {"", " .", "1 2 3 program .", "x 2 3 program event .", "1 2x 3 program event .",
-          "1 2 -3 program event .", "1 2 3 program event key .", "1 2 3 program event key=a"}) {
-        text.append(line).append("\n");
-    }
-    writeText(path(), text + sound + " .\n");
-    const auto told = entries();
-    ASSERT_THAT(told, SizeIs(1));
-    EXPECT_EQ(told[0].details, (Details{{"key", "a=b%4g%"}, {"other", "%4"}}));
 }
 
 TEST_F(JournalFile, OfADeviceThatIsGoneIsNotMadeAgain) {
