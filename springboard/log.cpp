@@ -86,7 +86,7 @@ void printLog(const Options& options, const LogChoice& choice) {
         if (!standin::DeviceRoot::isDevice(root.path())) {
             throw std::runtime_error(root.path().string() + ": the device is gone");
         }
-        constexpr std::chrono::milliseconds betweenLooks{70};
+        constexpr std::chrono::milliseconds betweenLooks{90};
         if (choice.follows) std::this_thread::sleep_for(betweenLooks);
     } while (choice.follows);
 }

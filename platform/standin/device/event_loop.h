@@ -62,7 +62,7 @@ private:
     /// By time, and by the number of adding where that is the same.
     std::map<std::pair<double, std::uint64_t>, Work> timers_;
     std::uint64_t added_ = 0;
-    static constexpr std::uint32_t looksAtPlace = 16;
+    static constexpr std::uint32_t looksAtPlace = 12;
     std::uint32_t looks_ = 0;
     /// How many runUntil are under way, each inside the one before.
     int depth_ = 0;

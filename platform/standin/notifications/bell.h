@@ -18,7 +18,7 @@ struct Bell {
     class Wait;
 
     /// How long anybody sleeps at most without looking for posts.
-    static constexpr std::chrono::milliseconds longestWait{70};
+    static constexpr std::chrono::milliseconds longestWait{90};
 
     /// Until when somebody waits, in nanoseconds of the system's monotonic clock; 0 when nobody is
     /// known to. Waits put it off; who rings and finds it past takes it back, and likewise what no
