@@ -73,21 +73,23 @@ private:
     Child process_;
 };
 
-/// A process that does nothing but sleep, and notes by how many seconds it was woken too late at
-/// most: so late is this machine by itself.
+/// A process that does nothing but sleep, again and again for as long as who waits for posts, and
+/// notes by how many seconds it was woken too late at most: so late is this machine by itself.
 class Sleeper {
 public:
     Sleeper()
         : process_{[this] {
+              constexpr double length = standin::EventLoop::betweenLooks;
               for (;;) {
                   const double start = realNow();
-                  std::this_thread::sleep_for(std::chrono::milliseconds{70});
-                  *late_ = std::max(late_->load(), realNow() - start - 0.07);
+                  std::this_thread::sleep_for(standin::Bell::longestWait);
+                  *late_ = std::max(late_->load(), realNow() - start - length);
               }
               return 0;
           }} {}
 
     double lateness() const { return *late_; }
+    pid_t number() const { return process_.number(); }
 
 private:
     struct Late : SharedNumber<double> {

@@ -12,9 +12,9 @@
 namespace quillet::test {
 namespace {
 
-constexpr ServiceExtent shortOne = {1.5, 250, 200, false};
-constexpr ServiceExtent ordinary = {30, 7, 10000, true};
-constexpr ServiceExtent longOne = {3600, 1, 100000, true};
+const ServiceExtent shortOne = {1.5, 250, 200, false};
+const ServiceExtent ordinary = {30, 7, 10000, true};
+const ServiceExtent longOne = {3600, 1, 100000, true};
 
 /// Runs one part; it has printed what it tried.
 bool holds(bool (*part)(const ServiceExtent&), const ServiceExtent& extent) {
@@ -33,7 +33,8 @@ int run(const ServiceExtent& extent) {
     return isHolding ? 0 : 1;
 }
 
-/// Of the time that is given each of the parts that take as much as they get has a third.
+/// The first word is the folder of the programs. Of the time that is given each of the parts that
+/// take as much as they get has a third.
 ServiceExtent extentOf(const std::vector<std::string>& words) {
     ServiceExtent extent = ordinary;
     for (std::size_t i = 0; i < words.size(); ++i) {
@@ -44,6 +45,7 @@ ServiceExtent extentOf(const std::vector<std::string>& words) {
         extent.seconds = 60 * std::stod(words[++i]) / 3;
         extent.isBounded = true;
     }
+    extent.programs = words.at(0);
     return extent;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 
 namespace quillet::test {
 
@@ -16,6 +17,8 @@ struct ServiceExtent {
     bool isMeasured;
     /// Whether killing waits ends with the time, too.
     bool isBounded = false;
+    /// The folder of the programs that users run.
+    std::filesystem::path programs = {};
 };
 
 // The parts of the attack. Each prints what it tried, and answers whether it held.
