@@ -5,13 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <iterator>
 #include <string>
 
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "platform/standin/runtime/dictionary_file.h"
 #include "tests/bounds/counted_memory.h"
+#include "tests/support/entries.h"
 #include "tests/support/temporary_folder.h"
 
 namespace quillet::test {
@@ -96,8 +96,7 @@ TEST_F(RefusedPiece, AndAllAfterItLeaveTheOldDictionaryOrTheNew) {
         ASSERT_TRUE(writeDictionary(path(), settings));
         const bool isWritten = refusing([this] { return writeDictionary(path(), others); });
         EXPECT_EQ(readDictionary(path()), isWritten ? others : settings);
-        const fs::directory_iterator files{path().parent_path()};
-        EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "and no draft";
+        EXPECT_EQ(entriesOf(path().parent_path()), 1) << "and no draft";
     });
 }
 

@@ -11,6 +11,7 @@
 
 #include "platform/standin/plist/property_list.h"
 #include "tests/springboard/springboard.h"
+#include "tests/support/entries.h"
 
 namespace quillet::test {
 namespace {
@@ -77,8 +78,7 @@ protected:
         for (const char* const path : {preferencesPath, springBoardPreferencesPath, hardwarePath}) {
             EXPECT_TRUE(standin::readPropertyList(bytes(path))) << path;
         }
-        const fs::directory_iterator files{onDevice(preferencesPath).parent_path()};
-        EXPECT_EQ(std::distance(fs::begin(files), fs::end(files)), 2);
+        EXPECT_EQ(entriesOf(onDevice(preferencesPath).parent_path()), 2);
     }
 };
 

@@ -2,14 +2,12 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
-#include <iterator>
+
+#include "tests/support/entries.h"
 
 namespace quillet::test {
 
 /// How many descriptors this process has open, and one more.
-inline std::ptrdiff_t openDescriptors() {
-    return std::distance(std::filesystem::directory_iterator{"/proc/self/fd"}, {});
-}
+inline std::ptrdiff_t openDescriptors() { return entriesOf("/proc/self/fd"); }
 
 }  // namespace quillet::test

@@ -4,11 +4,11 @@
 #include <malloc.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "platform/standin/runtime/instance.h"
+#include "tests/support/descriptors.h"
 
 namespace quillet::test {
 
@@ -23,7 +23,7 @@ std::ptrdiff_t linesIn(const char* file) {
 
 Holdings holdingsWith(const standin::Device& device) {
     return {mallinfo2().uordblks + mallinfo2().hblkhd,
-            std::distance(std::filesystem::directory_iterator{"/proc/self/fd"}, {}),
+            openDescriptors(),
             linesIn("/proc/self/maps"),
             device.tokens.count(),
             device.observers.count(),

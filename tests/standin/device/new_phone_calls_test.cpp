@@ -18,6 +18,7 @@
 #include "platform/standin/device/new_phone.h"
 #include "platform/standin/files/draft.h"
 #include "tests/support/child.h"
+#include "tests/support/entries.h"
 #include "tests/support/program.h"
 #include "tests/support/supervisor.h"
 #include "tests/support/temporary_folder.h"
@@ -32,10 +33,6 @@ class NewPhoneCalls : public testing::Test {
 protected:
     fs::path folder() const { return folder_.path(); }
     fs::path root() const { return folder() / "root"; }
-
-    std::ptrdiff_t entries() const {
-        return std::distance(fs::directory_iterator{folder()}, fs::directory_iterator{});
-    }
 
     /// 0, or 1 when it cannot be made.
     int make() const {
@@ -63,7 +60,7 @@ protected:
     void expectDevice() const {
         const standin::Device device{{.root = root()}};
         EXPECT_EQ(device.hardware.volume("Ringtone"), 0.75F);
-        EXPECT_EQ(entries(), 1) << "nothing is left beside it";
+        EXPECT_EQ(entriesOf(folder()), 1) << "nothing is left beside it";
     }
 
 private:
@@ -76,7 +73,7 @@ TEST_F(NewPhoneCalls, BeforeEachOfWhichItsMakerIsKilledLeaveWhatTheNextOneRemove
             callsThatChange(), [this] { return Child{[this] { return make(); }}.wait(); },
             std::ref(nth));
         EXPECT_EQ(status, nth.hasCome() ? -SIGKILL : 0);
-        EXPECT_LE(entries(), 1);
+        EXPECT_LE(entriesOf(folder()), 1);
         expectDevice();
     });
 }
@@ -86,7 +83,7 @@ TEST_F(NewPhoneCalls, EachOfWhichFailsOnceLeaveAWholeDeviceOrNothing) {
         const bool isMade = supervise(
                                 callsThatChange(), [this] { return make(); }, std::ref(nth)) == 0;
         EXPECT_EQ(fs::exists(root()), isMade) << nth.number();
-        EXPECT_EQ(entries(), isMade ? 1 : 0) << nth.number();
+        EXPECT_EQ(entriesOf(folder()), isMade ? 1 : 0) << nth.number();
         if (isMade) expectDevice();
     });
 }
@@ -110,7 +107,7 @@ TEST_F(NewPhoneCalls, ThatFlushAndFailBeforeItIsInPlaceMakeNoDevice) {
                       {SYS_fsync}, [this] { return make(); }, std::ref(nth)),
                   1)
             << place;
-        EXPECT_EQ(entries(), 0) << place;
+        EXPECT_EQ(entriesOf(folder()), 0) << place;
     }
 }
 
@@ -146,7 +143,7 @@ TEST_F(NewPhoneCalls, OfOneWhoDiesWhileSomebodyElseIsFasterLeaveNothingForTheNex
             EXPECT_EQ(make(), 0);
             return Verdict{Verdict::Kind::kills, 0};
         });
-    EXPECT_EQ(entries(), 2) << "the device, and half of another";
+    EXPECT_EQ(entriesOf(folder()), 2) << "the device, and half of another";
     EXPECT_EQ(make(), 0);
     expectDevice();
 }
@@ -191,7 +188,7 @@ TEST_F(NewPhoneCalls, LeaveFoldersOfTheUsersAlone) {
     fs::create_directories(folder() / "root.backup");
     fs::create_directories(folder() / ".quillet-drafts");
     EXPECT_EQ(make(), 0);
-    EXPECT_EQ(entries(), 3);
+    EXPECT_EQ(entriesOf(folder()), 3);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -20,6 +19,7 @@
 #include "platform/standin/notifications/notification_table.h"
 #include "platform/standin/plist/property_list.h"
 #include "tests/support/child.h"
+#include "tests/support/entries.h"
 #include "tests/support/names.h"
 #include "tests/support/no_room.h"
 #include "tests/support/supervisor.h"
@@ -122,8 +122,7 @@ TEST_F(NewPhone, AnEmptyFolderIsFilled) {
 
 TEST_F(NewPhone, NothingIsLeftBesideTheRootAndOthersMayReadIt) {
     deviceAt(path());
-    const fs::directory_iterator files{folder()};
-    EXPECT_EQ(std::distance(begin(files), end(files)), 1);
+    EXPECT_EQ(entriesOf(folder()), 1);
     EXPECT_EQ(fs::status(path()).permissions(), fs::perms{0755});
 }
 
@@ -170,8 +169,7 @@ TEST_F(NewPhone, WithoutRoomNothingIsMadeAndNothingIsLeft) {
 TEST_F(NewPhone, ATrailingSlashMakesNoDifference) {
     deviceAt(path().string() + "/");
     EXPECT_EQ(deviceAt(path().string() + "//").below("/a"), deviceAt(path()).below("/a"));
-    const fs::directory_iterator files{folder()};
-    EXPECT_EQ(std::distance(begin(files), end(files)), 1);
+    EXPECT_EQ(entriesOf(folder()), 1);
 }
 
 TEST_F(NewPhone, TheMessageNamesThePath) {
@@ -245,7 +243,7 @@ TEST_F(NewPhone, IsWhatAnErasedDeviceBecomesWithItsModel) {
     EXPECT_FALSE(fs::exists(path() / "var/mobile/letter.txt"));
     EXPECT_EQ(standin::readFacts(path() / "var/db/device.plist").machine, "iPod5,1");
     expectNewPhone(path());
-    EXPECT_EQ(std::distance(fs::directory_iterator{folder()}, {}), 1);
+    EXPECT_EQ(entriesOf(folder()), 1);
 }
 
 TEST_F(NewPhone, NothingButADeviceIsErased) {
@@ -289,8 +287,7 @@ TEST_F(NewPhone, SeveralProcessesThatMakeOneAtOnceAllHaveIt) {
         for (int process = 0; process < processes; ++process) gate.open();
         for (const auto& maker : makers) EXPECT_EQ(maker->wait(), 0);
 
-        const fs::directory_iterator files{shared.parent_path()};
-        EXPECT_EQ(std::distance(begin(files), end(files)), 1) << "nothing but the root is left";
+        EXPECT_EQ(entriesOf(shared.parent_path()), 1) << "nothing but the root is left";
         NotificationTable table{deviceAt(shared).below(DeviceRoot::notificationsPath)};
         for (int process = 0; process < processes; ++process) {
             EXPECT_NE(table.find("from." + std::to_string(process)), nullptr) << "all have one";

@@ -6,11 +6,11 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <iterator>
 #include <string>
 #include <system_error>
 
 #include "platform/standin/files/draft_folder.h"
+#include "tests/support/entries.h"
 #include "tests/support/supervisor.h"
 #include "tests/support/temporary_folder.h"
 
@@ -25,10 +25,6 @@ using standin::DraftFolder;
 class Drafts : public testing::Test {
 protected:
     fs::path folder() const { return folder_.path(); }
-
-    std::ptrdiff_t entries() const {
-        return std::distance(fs::directory_iterator{folder()}, fs::directory_iterator{});
-    }
 
     /// Whether the call opens a draft, or makes it.
     bool isOfDraft(const SupervisedCall& call) const {
@@ -81,7 +77,7 @@ TEST_F(Drafts, OfFoldersThatCannotBeOpenedAreTakenBack) {
             return Verdict{Verdict::Kind::fails, error};
         };
         EXPECT_EQ(makeUnder(Draft::Kind::folder, SYS_openat, fail), error);
-        EXPECT_EQ(entries(), 0) << error;
+        EXPECT_EQ(entriesOf(folder()), 0) << error;
     }
 }
 
@@ -106,7 +102,7 @@ TEST_F(Drafts, OfFoldersThatCannotBeMadeAreRefusedWithTheReason) {
     };
     const auto fail = [](const SupervisedCall&) { return Verdict{Verdict::Kind::fails, EROFS}; };
     EXPECT_EQ(supervise({SYS_mkdir}, make, fail), EROFS);
-    EXPECT_EQ(entries(), 0);
+    EXPECT_EQ(entriesOf(folder()), 0);
 }
 
 }  // namespace

@@ -9,13 +9,13 @@
 #include <cerrno>
 #include <filesystem>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/standin/files/file.h"
 #include "tests/support/child.h"
+#include "tests/support/entries.h"
 #include "tests/support/supervisor.h"
 #include "tests/support/temporary_folder.h"
 
@@ -26,10 +26,6 @@ namespace fs = std::filesystem;
 using standin::mayExist;
 using standin::readFile;
 using standin::writeFileAtomically;
-
-std::ptrdiff_t entriesOf(const fs::path& folder) {
-    return std::distance(fs::directory_iterator{folder}, fs::directory_iterator{});
-}
 
 /// Has every call with the number fail.
 Judge failing(int number, int error) {

@@ -16,6 +16,7 @@
 #include "platform/standin/files/file.h"
 #include "platform/standin/plist/property_list.h"
 #include "tests/support/descriptors.h"
+#include "tests/support/entries.h"
 
 namespace quillet::standin {
 namespace {
@@ -37,9 +38,7 @@ protected:
         return path("file");
     }
 
-    std::ptrdiff_t filesInFolder() const {
-        return std::distance(fs::directory_iterator{folder_}, fs::directory_iterator{});
-    }
+    std::ptrdiff_t filesInFolder() const { return test::entriesOf(folder_); }
 
 private:
     fs::path folder_;

@@ -11,6 +11,7 @@
 
 #include "platform/standin/files/file.h"
 #include "tests/support/child.h"
+#include "tests/support/entries.h"
 #include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
 
@@ -31,9 +32,7 @@ protected:
         return path(name);
     }
 
-    std::ptrdiff_t entries() const {
-        return std::distance(fs::directory_iterator{folder_.path()}, fs::directory_iterator{});
-    }
+    std::ptrdiff_t entries() const { return entriesOf(folder_.path()); }
 
 private:
     TemporaryFolder folder_;
