@@ -8,13 +8,12 @@
 
 namespace quillet::standin {
 
-void preferLargePages(const void* memory, std::size_t size) {
+void preferLargePages(void* memory, std::size_t size) {
     constexpr std::size_t usualPage = 4096;
     constexpr std::size_t worthwhile = std::size_t{4} << 20U;
     if (size < worthwhile) return;
-    void* begin = const_cast<void*>(memory);
-    std::align(usualPage, usualPage, begin, size);
-    madvise(begin, size - size % usualPage, MADV_HUGEPAGE);
+    std::align(usualPage, usualPage, memory, size);
+    madvise(memory, size - size % usualPage, MADV_HUGEPAGE);
 }
 
 }  // namespace quillet::standin

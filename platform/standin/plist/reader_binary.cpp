@@ -69,14 +69,12 @@ public:
           offsetAt_{trailer.offsetSize},
           budget_{budgetFor(file_.size(), trailer.objects)},
           builder_{tape_->nodes, Counts::first} {
-        texts_.reserve(trailer.objects);
-        preferLargePages(texts_.data(), texts_.capacity() * sizeof(Node));
+        reserveLargePages(texts_, trailer.objects);
         texts_.resize(trailer.objects);
     }
 
     std::optional<Value> read() {
-        tape_->nodes.reserve(trailer_.objects + trailer_.objects / 4);
-        preferLargePages(tape_->nodes.data(), tape_->nodes.capacity() * sizeof(Node));
+        reserveLargePages(tape_->nodes, trailer_.objects + trailer_.objects / 4);
         if (!add(trailer_.top)) return std::nullopt;
         while (!open_.empty()) {
             if (!step()) return std::nullopt;

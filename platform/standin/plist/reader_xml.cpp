@@ -172,8 +172,7 @@ public:
     std::optional<Value> read() {
         // A value seldom takes less: room for as many as there may well be, used as it is needed.
         constexpr std::size_t usualSize = 24;
-        tape_->nodes.reserve(tape_->file().size() / usualSize + 1);
-        preferLargePages(tape_->nodes.data(), tape_->nodes.capacity() * sizeof(Node));
+        reserveLargePages(tape_->nodes, tape_->file().size() / usualSize + 1);
         while (!builder_.isComplete()) {
             if (!take(scanner_.next())) return std::nullopt;
         }

@@ -213,8 +213,7 @@ std::optional<std::string> writeXML(const Node& root, std::size_t limit) {
     if (size > limit) size = sizeOf<ExactMeasure>(root, limit);
     if (size > limit) return std::nullopt;
     std::string text;
-    text.reserve(size + tabs.size());
-    preferLargePages(text.data(), text.capacity());
+    reserveLargePages(text, size + tabs.size());
     text.resize(size + tabs.size());
     Pen pen{text.data()};
     Writer{pen}.write(root);

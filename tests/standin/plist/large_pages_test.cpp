@@ -32,7 +32,8 @@ public:
     Memory(const Memory&) = delete;
     Memory& operator=(const Memory&) = delete;
 
-    std::string_view bytes() const { return {static_cast<const char*>(memory_), size_}; }
+    char* bytes() const { return static_cast<char*>(memory_); }
+    std::string_view text() const { return {bytes(), size_}; }
 
 private:
     void* memory_;
@@ -64,21 +65,21 @@ TEST(LargePages, ArePreferredForLargeMemoryWhereThereAreAny) {
     preferLargePages(&memory.bytes()[1], large - 1);
     EXPECT_FALSE(isPreferred(memory.bytes()[0])) << "a page that is only partly meant";
     EXPECT_TRUE(isPreferred(memory.bytes()[4096]));
-    EXPECT_TRUE(isPreferred(memory.bytes().back()));
+    EXPECT_TRUE(isPreferred(memory.text().back()));
 }
 
 TEST(LargePages, AreNotPreferredForSmallMemory) {
     const Memory memory{large / 4};
-    preferLargePages(memory.bytes().data(), memory.bytes().size());
+    preferLargePages(memory.bytes(), large / 4);
     preferLargePages(nullptr, 0);
-    EXPECT_FALSE(isPreferred(memory.bytes().front()));
-    EXPECT_FALSE(isPreferred(memory.bytes().back()));
+    EXPECT_FALSE(isPreferred(memory.text().front()));
+    EXPECT_FALSE(isPreferred(memory.text().back()));
 }
 
 TEST(LargePages, ChangeNothingThatIsThere) {
     const Memory memory{large};
     preferLargePages(&memory.bytes()[100], large - 5000);
-    EXPECT_TRUE(memory.bytes() == std::string(large, 'm'));
+    EXPECT_TRUE(memory.text() == std::string(large, 'm'));
 }
 
 }  // namespace
