@@ -24,6 +24,9 @@ constexpr long manyCalls = 400;
 
 constexpr char volumeKey[] = "ringtone-volume";
 
+/// As it is named beside the root.
+constexpr char hardwareLock[] = "root/var/db/hardware.plist.lock";
+
 std::string lastLineOf(const std::string& text) {
     const Words lines = linesOf(text);
     return lines.empty() ? "" : lines.back();
@@ -193,12 +196,14 @@ private:
         }
     }
 
-    /// Nothing lies about but what cannot be removed.
+    /// Nothing lies about but what cannot be removed, and the lock that stays where the hardware's
+    /// file is written: a system that says there is none has it written again.
     void judgeNames() {
         const auto& before = laboratory_.before().names;
         const auto& sound = laboratory_.sound().device.names;
         for (const std::string& name : run_.device.names) {
             if (before.contains(name) || sound.contains(name) || isStuck(name)) continue;
+            if (name == hardwareLock) continue;
             const bool isDraft = !name.starts_with("root/");
             return say(isDraft ? "leaves half a device behind" : "leaves a file behind");
         }
